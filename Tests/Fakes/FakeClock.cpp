@@ -1,0 +1,1 @@
+#include "Tests/Fakes/FakeClock.h"

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Platform/Platform.h"
+
+namespace ravik::fakes {
+
+/// A clock that stands until it is moved.
+class FakeClock : public Clock {
+public:
+    Time now() const override { return time; }
+    double monotonic() const override { return time; }
+    void advance(double seconds) { time += seconds; }
+
+    Time time = 1'760'000'000;
+};
+
+}  // namespace ravik::fakes
