@@ -113,6 +113,8 @@ public:
     virtual std::optional<VerifiedProcess> verify(const Proc& proc) const = 0;
     /// True while that very process lives; a zombie does not.
     virtual bool alive(const VerifiedProcess& process) const = 0;
+    /// True while it is stopped (job control): it hears TERM only once it is continued.
+    virtual bool stopped(const VerifiedProcess&) const { return false; }
     /// True if the call was accepted, which does not say that the process obeyed.
     virtual bool send(const VerifiedProcess& process, Signal signal) const = 0;
     /// Waits until none of them lives, at most this long; returns at once when the last has gone.

@@ -1,1 +1,0 @@
-#include "Tests/Fakes/FakeClock.h"
