@@ -51,8 +51,10 @@ public:
     virtual void list(Pids& pids) = 0;
     /// Fills `reading`; false if the process has gone or cannot be read.
     virtual bool read(Pid pid, ProcessReading& reading) = 0;
-    /// Reads every pid anew, remembering nothing of what was known of it. For verdicts that can lead to a signal.
-    virtual bool readFresh(Pid pid, ProcessReading& reading) { return read(pid, reading); }
+    /// All pids and one process as the kernel tells them now, beside and without what the calls above remember.
+    /// For verdicts that can lead to a signal. Any thread.
+    virtual Pids listFresh() const = 0;
+    virtual bool readFresh(Pid pid, ProcessReading& reading) const = 0;
     /// Start of a live process in whole seconds since 1970. Any thread.
     virtual std::optional<Time> startTime(Pid pid) const = 0;
     /// The argument area of a live process, joined by blanks. Any thread.

@@ -58,6 +58,12 @@ void FakeProcesses::list(Pids& pids) {
     for (const auto& [pid, process] : m_processes) pids.push_back(pid);
 }
 
+Pids FakeProcesses::listFresh() const {
+    Pids pids;
+    self().list(pids);
+    return pids;
+}
+
 bool FakeProcesses::read(Pid pid, ProcessReading& reading) {
     const FakeProcess* process = find(pid);
     if (!process) return false;

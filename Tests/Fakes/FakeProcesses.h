@@ -59,6 +59,8 @@ public:
     double nanosPerTick() const override { return nanosecondsPerTick; }
     void list(Pids& pids) override;
     bool read(Pid pid, ProcessReading& reading) override;
+    Pids listFresh() const override;
+    bool readFresh(Pid pid, ProcessReading& reading) const override { return self().read(pid, reading); }
     std::optional<Time> startTime(Pid pid) const override;
     std::optional<std::string> commandLine(Pid pid) const override;
 
