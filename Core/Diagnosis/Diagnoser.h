@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
+#include "Core/Diagnosis/KeepList.h"
 #include "Core/Diagnosis/Trend.h"
 #include "Core/Host/Host.h"
 #include "Core/Watch/ProcessIndex.h"
@@ -12,9 +12,6 @@
 #include "Core/Watch/Thresholds.h"
 
 namespace ravik {
-
-/// Full command lines that the user asked to leave running.
-using KeepSet = std::unordered_set<std::string>;
 
 /// Turns a snapshot into its causes. Pure functions, any thread.
 namespace Diagnoser {

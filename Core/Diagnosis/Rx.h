@@ -9,7 +9,8 @@ namespace ravik {
 /// a programming fault and ends the program.
 class Regex {
 public:
-    explicit Regex(const char* pattern);
+    /// `required`, where given, are bytes that every match contains, looked for first; they must live forever.
+    explicit Regex(const char* pattern, std::string_view required = {});
     ~Regex();
     Regex(const Regex&) = delete;
     Regex& operator=(const Regex&) = delete;
