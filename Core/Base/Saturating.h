@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+namespace ravik {
+
+/// A sum that stays at the limit instead of wrapping: figures out of a file may be anything.
+inline std::int64_t saturatingAdd(std::int64_t a, std::int64_t b) {
+    std::int64_t sum = 0;
+    if (!__builtin_add_overflow(a, b, &sum)) return sum;
+    return b < 0 ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
+}
+
+}  // namespace ravik
