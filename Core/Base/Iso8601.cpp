@@ -40,6 +40,13 @@ std::optional<int> zone(std::string_view text) {
     return sign * (*hours * 3600 + *minutes * 60);
 }
 
+std::tm local(Time time) {
+    const auto seconds = static_cast<std::time_t>(std::floor(time));
+    std::tm parts{};
+    localtime_r(&seconds, &parts);
+    return parts;
+}
+
 }  // namespace
 
 std::string format(Time time) {
@@ -75,10 +82,13 @@ std::optional<Time> parse(std::string_view text) {
 }
 
 std::string localDay(Time time) {
-    const auto seconds = static_cast<std::time_t>(std::floor(time));
-    std::tm parts{};
-    localtime_r(&seconds, &parts);
+    const std::tm parts = local(time);
     return fmt::format("{:04}-{:02}-{:02}", parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday);
+}
+
+std::string localClock(Time time) {
+    const std::tm parts = local(time);
+    return fmt::format("{:02}:{:02}:{:02}", parts.tm_hour, parts.tm_min, parts.tm_sec);
 }
 
 }  // namespace ravik::Iso8601

@@ -19,4 +19,7 @@ std::optional<Time> parse(std::string_view text);
 /// "2026-03-01", the local calendar day, in the zone of the process.
 std::string localDay(Time time);
 
+/// "09:30:15", the local time of day, in the zone of the process.
+std::string localClock(Time time);
+
 }  // namespace ravik::Iso8601

@@ -33,16 +33,16 @@ std::vector<std::string> KeepList::sorted() const {
     return {commands.begin(), commands.end()};
 }
 
-void KeepList::add(const std::string& command) {
+bool KeepList::add(const std::string& command) {
     std::set<std::string> commands = read(m_defaults);
     commands.insert(command);
-    m_defaults.set(key, commands);
+    return m_defaults.set(key, commands);
 }
 
-void KeepList::remove(const std::string& command) {
+bool KeepList::remove(const std::string& command) {
     std::set<std::string> commands = read(m_defaults);
     commands.erase(command);
-    m_defaults.set(key, commands);
+    return m_defaults.set(key, commands);
 }
 
 }  // namespace ravik

@@ -24,8 +24,9 @@ public:
     KeepSet commands() const;
     /// The same, in ascending order.
     std::vector<std::string> sorted() const;
-    void add(const std::string& command);
-    void remove(const std::string& command);
+    /// False if it could not be stored.
+    bool add(const std::string& command);
+    bool remove(const std::string& command);
 
 private:
     Defaults& m_defaults;

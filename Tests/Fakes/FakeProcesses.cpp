@@ -46,6 +46,7 @@ Proc FakeProcesses::proc(Pid pid) const {
     out.name = process.name;
     out.command = process.command;
     out.started = process.started;
+    out.startTicks = process.life;
     out.footprintBytes = process.footprintBytes;
     out.cpuPercent = process.cpuPercent;
     if (process.app) out.app = *process.app;
@@ -65,7 +66,7 @@ Pids FakeProcesses::listFresh() const {
 }
 
 bool FakeProcesses::read(Pid pid, ProcessReading& reading) {
-    const FakeProcess* process = find(pid);
+    FakeProcess* process = find(pid);
     if (!process) return false;
     reading = {};
     reading.id = pid;
@@ -74,9 +75,14 @@ bool FakeProcesses::read(Pid pid, ProcessReading& reading) {
     reading.name = process->name;
     if (!process->command.empty()) reading.arguments = Text(process->command);
     reading.started = process->started;
+    reading.startTicks = process->life;
     reading.footprintBytes = process->footprintBytes;
-    const double busy = process->cpuPercent / 100 * (m_clock.now() - process->started) * 1e9 / nanosecondsPerTick;
-    reading.cpuTicks = process->cpuTicks + static_cast<std::uint64_t>(busy);
+    // CPU time builds up between readings, so that a change of load does not reach into the past.
+    const double passed = m_clock.now() - std::max(process->readAt, process->started);
+    process->cpuTicks +=
+        static_cast<std::uint64_t>(std::llround(process->cpuPercent / 100 * passed * 1e9 / nanosecondsPerTick));
+    process->readAt = m_clock.now();
+    reading.cpuTicks = process->cpuTicks;
     if (process->app) reading.app = Text(*process->app);
     return true;
 }
@@ -98,6 +104,7 @@ std::optional<VerifiedProcess> FakeProcesses::verify(const Proc& proc) const {
     step();
     const auto hit = m_processes.find(proc.id);
     if (hit == m_processes.end() || hit->second.started != std::trunc(proc.started)) return {};
+    if (proc.startTicks != 0 && proc.startTicks != hit->second.life) return {};
     return vouch(proc.id, std::make_shared<LifeHandle>(hit->second.life));
 }
 

@@ -11,7 +11,8 @@
 
 namespace ravik::fakes {
 
-/// One process of the machine in memory. `life` tells this process from a later one in the same pid.
+/// One process of the machine in memory. `life` tells this process from a later one in the same pid, and serves as
+/// the kernel's start stamp.
 struct FakeProcess {
     Pid pid = 0;
     Pid ppid = 1;
@@ -22,6 +23,7 @@ struct FakeProcess {
     std::uint64_t footprintBytes = 0;
     std::uint64_t cpuTicks = 0;  // nanoseconds
     double cpuPercent = 0;       // added to cpuTicks as time passes
+    Time readAt = distantPast;
     std::optional<std::string> app;
     std::uint64_t life = 0;
 

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Platform/Terminal.h"
+
+namespace ravik::platform {
+
+/// Standard input, output and error.
+class PosixTerminal : public Terminal {
+public:
+    bool canAsk() const override;
+    bool isOutput() const override;
+    int columns() const override;
+    std::optional<std::string> readLine() override;
+};
+
+}  // namespace ravik::platform

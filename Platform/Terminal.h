@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace ravik {
+
+/// The terminal that a command was called from, if there is one.
+class Terminal {
+public:
+    virtual ~Terminal() = default;
+    /// True if a person can be asked: standard input and standard error are terminals.
+    virtual bool canAsk() const = 0;
+    /// True if standard output is a terminal.
+    virtual bool isOutput() const = 0;
+    /// Columns of standard output; 80 where there are none.
+    virtual int columns() const = 0;
+    /// One line of standard input without its line feed; absent at its end and when the wait is interrupted
+    /// (Ctrl-C), which then does not end the program.
+    virtual std::optional<std::string> readLine() = 0;
+};
+
+}  // namespace ravik
