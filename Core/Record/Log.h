@@ -3,12 +3,14 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include <nlohmann/json_fwd.hpp>
 
 #include "Core/Base/Time.h"
+#include "Core/Record/CreationDate.h"
 
 namespace ravik {
 
@@ -26,6 +28,8 @@ public:
         std::string session;
         /// False under a test host: nothing is written and no folder is made.
         bool enabled = true;
+        /// When a file was made, for the 14 days that one is kept; absent counts as now. Writer's thread.
+        std::function<std::optional<Time>(const std::filesystem::path&)> createdAt = creationDate;
     };
 
     explicit Log(Options options);

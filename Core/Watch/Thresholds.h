@@ -7,6 +7,8 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include "Core/Host/Host.h"
+
 namespace ravik {
 
 /// The user's limits. Stored as one JSON object with exactly these keys.
@@ -46,9 +48,23 @@ struct ThresholdField {
     bool accepts(double value) const { return low <= value && value <= high; }
     /// "Must be between 1 and 128. The last saved value, 8, stays in use."
     std::string refusal(double saved) const;
+    /// The title with the host's own word for the machine.
+    std::string titleWith(const Nouns& nouns) const;
+    /// "Default 8 GB"
+    std::string hint() const;
 };
 
 /// The seven limits that the settings show, in their order.
 const std::array<ThresholdField, 7>& thresholdFields();
+
+/// The sentence for a value outside a range, all three numbers in their shortest form.
+std::string rangeRefusal(double low, double high, double saved);
+
+/// What a change in the settings stores: the edited limits, with the Autopilot rule as it is in force, which is
+/// set elsewhere and may have changed meanwhile.
+Thresholds committed(Thresholds edited, const Thresholds& live);
+
+/// The defaults, with the Autopilot rule of `present` kept.
+Thresholds restoredDefaults(const Thresholds& present);
 
 }  // namespace ravik
