@@ -15,21 +15,33 @@ void TreeJudge::beginWalk() {
     m_members.clear();
 }
 
+void TreeJudge::meet(std::size_t at) {
+    if (m_met[at] == m_walk) return;
+    m_met[at] = m_walk;
+    m_members.push_back(at);
+}
+
+void TreeJudge::meetChildren(Pid parent) {
+    for (const std::size_t child : m_procs.children(parent)) meet(child);
+}
+
 void TreeJudge::walk(Pid root) {
-    const auto meet = [&](std::size_t at) {
-        if (m_met[at] == m_walk) return;
-        m_met[at] = m_walk;
-        m_members.push_back(at);
-    };
     std::size_t next = m_members.size();
     if (const Proc* proc = m_procs.find(root)) {
         meet(static_cast<std::size_t>(proc - m_procs.all().data()));
     } else {
-        for (const std::size_t child : m_procs.children(root)) meet(child);
+        meetChildren(root);
     }
-    for (; next < m_members.size(); ++next) {
-        for (const std::size_t child : m_procs.children(m_procs.all()[m_members[next]].id)) meet(child);
-    }
+    for (; next < m_members.size(); ++next) meetChildren(m_procs.all()[m_members[next]].id);
+}
+
+PidSet TreeJudge::below(std::span<const Pid> roots) {
+    beginWalk();
+    for (const Pid root : roots) meetChildren(root);
+    for (std::size_t next = 0; next < m_members.size(); ++next) meetChildren(m_procs.all()[m_members[next]].id);
+    PidSet found;
+    for (const std::size_t at : m_members) found.insert(m_procs.all()[at].id);
+    return found;
 }
 
 const std::vector<std::size_t>& TreeJudge::members(Pid root) {

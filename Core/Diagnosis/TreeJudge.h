@@ -29,9 +29,10 @@ public:
     Verdict check(std::span<const Pid> roots);
     Verdict check(Pid root) { return check(std::span(&root, 1)); }
 
-    /// Positions of the tree's members, the root first where it is in the list, else in no particular order. Valid
-    /// until the next call.
+    /// Positions of the tree's members, the root first where it is in the list. Valid until the next call.
     const std::vector<std::size_t>& members(Pid root);
+    /// Every pid that hangs below one of these roots.
+    PidSet below(std::span<const Pid> roots);
 
 private:
     enum class Mark : std::uint8_t { unknown, idle, busy, forbidden };
@@ -39,6 +40,8 @@ private:
     /// Adds what hangs below `root` and has not been met in this walk.
     void walk(Pid root);
     void beginWalk();
+    void meetChildren(Pid parent);
+    void meet(std::size_t at);
     Mark mark(std::size_t at);
 
     const ProcessIndex& m_procs;

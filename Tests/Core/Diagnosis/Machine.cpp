@@ -50,6 +50,25 @@ Snapshot Machine::snapshot() const {
     return snap;
 }
 
+std::vector<Finding> Machine::diagnose() const {
+    const Snapshot snap = snapshot();
+    const ProcessIndex index(snap.processes);
+    return Diagnoser::diagnose(snap, index, limits, ram, keep, trend, host, now);
+}
+
+std::optional<Finding> Machine::finding(std::string_view id) const {
+    for (Finding& finding : diagnose()) {
+        if (finding.id == id) return std::move(finding);
+    }
+    return std::nullopt;
+}
+
+std::vector<std::string> Machine::ids() const {
+    std::vector<std::string> ids;
+    for (const Finding& finding : diagnose()) ids.push_back(finding.id);
+    return ids;
+}
+
 Pids pids(const std::vector<Proc>& procs) {
     Pids found;
     for (const Proc& proc : procs) found.push_back(proc.id);

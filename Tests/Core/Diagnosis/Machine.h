@@ -57,6 +57,11 @@ struct Machine {
 
     /// What one tick makes of it, without the findings.
     Snapshot snapshot() const;
+    std::vector<Finding> diagnose() const;
+    /// The finding with this id; absent if there is none.
+    std::optional<Finding> finding(std::string_view id) const;
+    /// Ids of all findings, in order.
+    std::vector<std::string> ids() const;
 };
 
 Pids pids(const std::vector<Proc>& procs);
