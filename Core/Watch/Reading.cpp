@@ -5,6 +5,8 @@
 namespace ravik {
 
 Snapshot diagnosed(const Reading& reading) {
+    static const Trend nothing;
+    const Trend& trend = reading.trend ? *reading.trend : nothing;
     Snapshot snapshot;
     snapshot.stats = reading.stats;
     snapshot.processes = reading.processes;
@@ -15,11 +17,11 @@ Snapshot diagnosed(const Reading& reading) {
     snapshot.groups = Classifier::groups(snapshot.processes, reading.host);
     snapshot.orphans =
         Classifier::orphans(snapshot.processes, reading.managed, reading.limits, reading.host, reading.now);
-    snapshot.hogs = Classifier::hogs(snapshot.processes, snapshot.orphans, reading.limits, reading.trend.busySince,
+    snapshot.hogs = Classifier::hogs(snapshot.processes, snapshot.orphans, reading.limits, trend.busySince,
                                      reading.host, reading.now);
     snapshot.sessions = Classifier::sessions(index, snapshot.orphans, reading.host);
     snapshot.findings = Diagnoser::diagnose(snapshot, index, reading.limits, reading.ramBytes, reading.keep,
-                                            reading.trend, reading.host, reading.now);
+                                            trend, reading.host, reading.now);
     return snapshot;
 }
 
