@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace ravik::DiskScanner {
+
+/// A folder name that ends in "-" and lower-case hexadecimal digits: "chromium-1140".
+struct VersionedName {
+    std::string family;         // "chromium"
+    std::int64_t version = -1;  // -1: the digits are no decimal number
+
+    /// Absent for any other name, and for a hidden one.
+    static std::optional<VersionedName> parse(std::string_view name);
+};
+
+}  // namespace ravik::DiskScanner
