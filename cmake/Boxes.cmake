@@ -1,15 +1,24 @@
-# ravik_box(TARGET FOLDER [EXCLUDE FILE...]): a static library of all sources below FOLDER.
+# ravik_box(TARGET FOLDER [EXCLUDE PATH...]): a static library of all sources below FOLDER, but for those paths.
 function(ravik_box target folder)
   cmake_parse_arguments(BOX "" "" "EXCLUDE" ${ARGN})
-  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS
+       ${PROJECT_SOURCE_DIR}/${folder}/*.cpp ${PROJECT_SOURCE_DIR}/${folder}/*.mm)
   foreach(path ${BOX_EXCLUDE})
-    list(REMOVE_ITEM sources ${PROJECT_SOURCE_DIR}/${path})
+    list(FILTER sources EXCLUDE REGEX "^${PROJECT_SOURCE_DIR}/${path}")
   endforeach()
   add_library(${target} STATIC ${sources})
   target_link_libraries(${target} PUBLIC ravik-flags)
 endfunction()
 
-# ravik_test(TARGET FOLDER [LINK LIBRARY...]): one test program of all sources below FOLDER, each case a ctest entry.
+# What a test program hears of the sanitizer it was built with.
+set(RAVIK_TEST_ENVIRONMENT
+  "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1"
+  "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/sanitizers/lsan.supp:print_suppressions=0"
+  "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/sanitizers/tsan.supp:second_deadlock_stack=1"
+  "UBSAN_OPTIONS=print_stacktrace=1")
+
+# ravik_test(TARGET FOLDER [LINK LIBRARY...]): one test program of all sources below FOLDER. Each case is a ctest entry;
+# under a sanitizer, whose start takes longer than most cases, each program is a few entries that share its cases.
 function(ravik_test target folder)
   cmake_parse_arguments(TEST "" "" "LINK" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
@@ -20,5 +29,19 @@ function(ravik_test target folder)
   target_link_libraries(${target} PRIVATE ${TEST_LINK} GTest::gtest GTest::gmock GTest::gtest_main)
   target_compile_definitions(${target} PRIVATE RAVIK_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                              RAVIK_BINARY_DIR="${CMAKE_BINARY_DIR}")
-  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+  if(NOT RAVIK_SANITIZE)
+    # A value without a printer of its own would be named by its bytes, which differ from run to run.
+    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES PROPERTIES TIMEOUT 300)
+    return()
+  endif()
+
+  string(REGEX REPLACE ",.*" "" sanitizer ${RAVIK_SANITIZE})
+  set(shards 4)
+  foreach(shard RANGE 1 ${shards})
+    set(name "${sanitizer}.${target}.${shard}of${shards}")
+    add_test(NAME ${name} COMMAND ${target} --gtest_brief=1)
+    math(EXPR index "${shard} - 1")
+    set_tests_properties(${name} PROPERTIES TIMEOUT 1200 ENVIRONMENT
+      "GTEST_TOTAL_SHARDS=${shards};GTEST_SHARD_INDEX=${index};${RAVIK_TEST_ENVIRONMENT}")
+  endforeach()
 endfunction()
