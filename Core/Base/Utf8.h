@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace ravik::Utf8 {
+
+/// The scalar that begins at `at`, which moves behind it; a byte that belongs to none stands for itself.
+char32_t next(std::string_view text, std::size_t& at);
+
+/// Lower case, scalar by scalar, in the alphabets that have cases; the rest stays as it is.
+std::string lower(std::string_view text);
+
+}  // namespace ravik::Utf8

@@ -1,0 +1,21 @@
+#include "Core/Base/Utf8.h"
+
+#include <gtest/gtest.h>
+
+namespace ravik {
+
+TEST(Utf8, LowersTheAlphabetsThatHaveCases) {
+    EXPECT_EQ(Utf8::lower("Google CHROME 1.2"), "google chrome 1.2");
+    EXPECT_EQ(Utf8::lower("ÄÖÜ×ß ŁŽŸĀ"), "äöü×ß łžÿā");
+    EXPECT_EQ(Utf8::lower("ΑΩΆΏ ЖЯЁ Ա"), "αωάώ жяё ա");
+    EXPECT_EQ(Utf8::lower("日本 ŀĸ"), "日本 ŀĸ");
+}
+
+TEST(Utf8, BytesOfNoScalarStayAsTheyAre) {
+    EXPECT_EQ(Utf8::lower("A\xff\xc3" "B\xe2\x82"), "a\xff\xc3" "b\xe2\x82");
+    std::size_t at = 0;
+    EXPECT_EQ(Utf8::next("\xf0\x9f\x98\x80x", at), U'\U0001F600');
+    EXPECT_EQ(at, 4u);
+}
+
+}  // namespace ravik
