@@ -134,11 +134,11 @@ protected:
 class Levers {
 public:
     virtual ~Levers() = default;
-    /// The pids that were stopped.
-    virtual Pids pause(const std::vector<Proc>& targets) = 0;
+    /// The pids that were stopped, of those that are still the same process. `group` names them in the record.
+    virtual Pids pause(const std::string& group, const std::vector<Proc>& targets) = 0;
     virtual void resume(const Pids& pids) = 0;
     /// Lowers CPU and disk priority together; the pids lowered. Empty where this user could not undo it.
-    virtual Pids demote(const std::vector<Proc>& targets) = 0;
+    virtual Pids demote(const std::string& group, const std::vector<Proc>& targets) = 0;
     virtual void restore(const Pids& pids) = 0;
 
     /// What an earlier run that ended without a word had left in force and this start has undone.
@@ -149,8 +149,6 @@ public:
         Time at = 0;
     };
     virtual std::vector<Leftover> releaseLeftovers() = 0;
-    /// Names the group that the next pause or demote acts on, for the written record.
-    virtual void setTarget(const std::string& target) { (void)target; }
 };
 
 /// Which processes an adopter has for a good reason. Background task; may be cached for a minute.

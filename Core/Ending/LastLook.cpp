@@ -24,7 +24,14 @@ Proc fresh(const ProcessReading& reading, const Proc* older) {
     return proc;
 }
 
-bool sameLife(const Proc* a, const Proc& b) { return a && a->id == b.id && a->started == b.started; }
+/// A pid can be reused within the second that `started` tells; the kernel's own stamp, where known, is finer.
+bool sameStart(Time started, std::uint64_t ticks, const Proc& other) {
+    return started == other.started && (ticks == 0 || other.startTicks == 0 || ticks == other.startTicks);
+}
+
+bool sameLife(const Proc* a, const Proc& b) {
+    return a && a->id == b.id && sameStart(a->started, a->startTicks, b);
+}
 
 std::vector<Proc> readAll(const ProcessIndex& older, const ProcessTable& table) {
     std::vector<Proc> now;
@@ -32,7 +39,7 @@ std::vector<Proc> readAll(const ProcessIndex& older, const ProcessTable& table) 
         ProcessReading reading;
         if (pid < 1 || !table.readFresh(pid, reading)) continue;
         const Proc* before = older.find(pid);
-        now.push_back(fresh(reading, before && before->started == reading.started ? before : nullptr));
+        now.push_back(fresh(reading, before && sameStart(reading.started, reading.startTicks, *before) ? before : nullptr));
     }
     return now;
 }

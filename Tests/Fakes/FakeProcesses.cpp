@@ -164,7 +164,7 @@ void FakeProcesses::sleep(double seconds) const {
     step();
 }
 
-Pids FakeProcesses::pause(const std::vector<Proc>& targets) {
+Pids FakeProcesses::pause(const std::string&, const std::vector<Proc>& targets) {
     Pids done;
     for (const Proc& target : targets) {
         if (const auto process = verify(target); process && send(*process, Signal::stop)) done.push_back(target.id);
@@ -181,7 +181,7 @@ void FakeProcesses::resume(const Pids& pids) {
     }
 }
 
-Pids FakeProcesses::demote(const std::vector<Proc>& targets) {
+Pids FakeProcesses::demote(const std::string&, const std::vector<Proc>& targets) {
     Pids done;
     if (!canDemote) return done;
     for (const Proc& target : targets) {

@@ -75,9 +75,9 @@ public:
     void sleep(double seconds) const override;
 
     // Levers
-    Pids pause(const std::vector<Proc>& targets) override;
+    Pids pause(const std::string& group, const std::vector<Proc>& targets) override;
     void resume(const Pids& pids) override;
-    Pids demote(const std::vector<Proc>& targets) override;
+    Pids demote(const std::string& group, const std::vector<Proc>& targets) override;
     void restore(const Pids& pids) override;
     std::vector<Leftover> releaseLeftovers() override;
 

@@ -1,0 +1,195 @@
+#include "Core/Watch/Monitor.h"
+
+#include <algorithm>
+
+#include <nlohmann/json.hpp>
+
+#include "Core/Diagnosis/Classifier.h"
+#include "Core/Diagnosis/KeepList.h"
+#include "Core/Watch/TickLines.h"
+#include "Core/Wording/AlertText.h"
+
+namespace ravik {
+
+namespace {
+
+constexpr double historySeconds = 3600.0;
+constexpr double alertSpacing = 600.0;
+constexpr double shortestInterval = 0.001;
+constexpr std::string_view thresholdsKey = "thresholds";
+
+}  // namespace
+
+Monitor::Monitor(Platform& platform, Log& log, Host host, Role role)
+    : m_platform(platform),
+      m_log(log),
+      m_host(std::move(host)),
+      m_role(role),
+      m_scanner(platform.processes, platform.clock),
+      m_sampler(platform.machine, platform.clock),
+      m_ramBytes(platform.machine.installedBytes()),
+      m_snapshot(std::make_shared<Snapshot>()),
+      m_trend(std::make_shared<Trend>()),
+      m_ledger(platform.levers),
+      m_self(std::make_shared<Monitor*>(this)) {
+    m_engineHistory.observedSince = platform.clock.now();
+    loadLastFix();
+    loadThresholds();
+}
+
+Monitor::~Monitor() {
+    *m_self = nullptr;
+    stop();
+}
+
+void Monitor::start() {
+    refresh();
+    stop();
+    m_timer = m_platform.loop.every(m_interval, [this] { refresh(); });
+}
+
+void Monitor::stop() {
+    if (m_timer) m_platform.loop.cancel(m_timer);
+    m_timer = 0;
+}
+
+void Monitor::refresh() {
+    if (m_inFlight) {
+        ++m_skipped;
+        return;
+    }
+    m_inFlight = true;
+    if (m_platform.defaults.changed()) loadThresholds();
+    m_platform.loop.background([this, self = m_self, loop = &m_platform.loop, reading = prepare()]() mutable {
+        loop->post([self, tick = take(std::move(reading))] {
+            if (*self) (*self)->apply(tick);
+        });
+    });
+}
+
+void Monitor::readNow() { apply(take(prepare())); }
+
+Reading Monitor::prepare() const {
+    Reading reading;
+    reading.host = m_host;
+    reading.limits = m_thresholds;
+    reading.keep = keep();
+    reading.trend = m_trend;
+    reading.ramBytes = m_ramBytes;
+    return reading;
+}
+
+void Monitor::read(Reading& reading) {
+    reading.processes = m_scanner.scan();
+    reading.stats = m_sampler.sample();
+    reading.now = m_platform.clock.now();
+    auto services = m_platform.services.read(reading.processes, reading.now);
+    reading.managed = std::move(services.managed);
+    reading.host.adopters = std::move(services.adopters);
+    // Windows and connections are looked up only for what would otherwise be a leftover.
+    reading.host.engaged.clear();
+    Pids candidates;
+    for (const Proc& proc :
+         Classifier::orphans(reading.processes, reading.managed, reading.limits, reading.host, reading.now)) {
+        candidates.push_back(proc.id);
+    }
+    if (!candidates.empty()) reading.host.engaged = m_platform.services.engaged(candidates, reading.processes);
+}
+
+Monitor::Tick Monitor::take(Reading reading) {
+    read(reading);
+    auto snapshot = std::make_shared<const Snapshot>(diagnosed(reading));
+    return {std::move(snapshot), std::move(reading.host)};
+}
+
+void Monitor::apply(Tick tick) {
+    m_inFlight = false;
+    const bool watches = m_role == Role::watcher;
+    if (m_skipped > 0 && watches) m_log.event("skippedTicks", {{"n", m_skipped}});
+    m_skipped = 0;
+    m_host = std::move(tick.host);
+    m_snapshot = tick.snapshot;
+    const Snapshot& snapshot = *tick.snapshot;
+    publish(Change::snapshot);
+    if (m_trend.use_count() > 1) m_trend = std::make_shared<Trend>(*m_trend);
+    m_trend->record(snapshot, m_thresholds);
+    if (watches) m_log.event("tick", TickLines::tick(snapshot));
+    remember(snapshot.stats);
+    if (!watches) return;
+    logTick(snapshot);
+    endLeftovers(snapshot);
+    runEngine(snapshot, {}, m_platform.clock.now());
+    alert(snapshot);
+}
+
+void Monitor::remember(const SystemStats& stats) {
+    m_history.push_back(stats);
+    const auto cap = static_cast<std::size_t>(historySeconds / m_interval);
+    if (m_history.size() > cap) m_history.erase(m_history.begin(), m_history.end() - static_cast<std::ptrdiff_t>(cap));
+    publish(Change::history);
+}
+
+void Monitor::logTick(const Snapshot& snapshot) {
+    if (!snapshot.findings.empty()) {
+        m_log.event("diagnosis", TickLines::diagnosis(snapshot));
+        for (const Finding& finding : snapshot.findings) {
+            if (m_seenFindings.insert(finding.id).second) m_log.event("finding", TickLines::finding(finding));
+        }
+    }
+    if (const auto line = TickLines::self(snapshot, m_host.pid)) m_log.event("self", *line);
+}
+
+void Monitor::alert(const Snapshot& snapshot) {
+    const Time now = m_platform.clock.now();
+    const auto causes = AlertPolicy::causes(snapshot.findings);
+    const auto due = m_alerts.due(causes, !snapshot.breaches.empty(), now);
+    // What is held back here stays due.
+    if (due.empty() || now - m_lastNotified <= alertSpacing) return;
+    m_lastNotified = now;
+    m_alerts.record(due, now);
+    m_platform.notifier.post(alertText(snapshot));
+    m_log.event("notify", {{"breaches", snapshot.breaches},
+                           {"causes", due},
+                           {"title", snapshot.findings.empty() ? "" : snapshot.findings.front().title}});
+}
+
+void Monitor::checkNotifications() {
+    m_platform.notifier.queryDenied([self = m_self](bool denied) {
+        if (!*self || (*self)->m_notificationsDenied == denied) return;
+        (*self)->m_notificationsDenied = denied;
+        (*self)->m_log.event("notifications", {{"denied", denied}});
+        (*self)->publish(Change::notifications);
+    });
+}
+
+KeepSet Monitor::keep() const { return KeepList(m_platform.defaults).commands(); }
+
+void Monitor::setThresholds(const Thresholds& thresholds) {
+    m_thresholds = thresholds;
+    m_platform.defaults.set(thresholdsKey, m_thresholds.encode());
+    publish(Change::thresholds);
+}
+
+void Monitor::loadThresholds() {
+    const auto stored = m_platform.defaults.get(thresholdsKey);
+    if (!stored) return;
+    const auto thresholds = Thresholds::decode(*stored);
+    if (!thresholds) return;
+    m_thresholds = *thresholds;
+    if (m_role == Role::watcher) m_platform.defaults.set(thresholdsKey, m_thresholds.encode());
+    publish(Change::thresholds);
+}
+
+void Monitor::setInterval(double seconds) {
+    m_interval = std::max(seconds, shortestInterval);
+    if (m_timer) start();
+    publish(Change::interval);
+}
+
+void Monitor::observe(std::function<void(Change)> observer) { m_observers.push_back(std::move(observer)); }
+
+void Monitor::publish(Change change) {
+    for (const auto& observer : m_observers) observer(change);
+}
+
+}  // namespace ravik
