@@ -58,8 +58,9 @@ TEST(HolderCause, SpeaksOnlyWhenMemoryIsShort) {
 }
 
 TEST(HolderCause, AnAppThatHoldsMuchIsAskedToQuit) {
-    Machine machine = pressed({Making(7, app).name("App").bytes(6000 * MiB), Making(8, app).name("Helper").parent(7).mb(1373),
-                               Making(9, app).name("Third").parent(7).mb(5), Making(11, app).name("Fourth").parent(7).mb(1)});
+    Machine machine = pressed({Making(7, app).name("App").mb(6000), Making(8, app).name("Helper").parent(7).mb(1373),
+                               Making(9, app).name("Third").parent(7).mb(5),
+                               Making(11, app).name("Fourth").parent(7).mb(1)});
     machine.ram = 24 * GiB;
     const auto finding = machine.finding("holder:App");
     ASSERT_TRUE(finding);

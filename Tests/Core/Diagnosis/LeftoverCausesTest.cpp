@@ -169,7 +169,8 @@ TEST(OrphanCause, AtTheLimitItIsCritical) {
 }
 
 TEST(OrphanCause, AShortCommandIsShownWholeAndALongOneIsCutBetweenCharacters) {
-    EXPECT_EQ(with({Making(7, "/Users/me/x -v").parent(1)}).finding("orphan:7")->evidence, "pid 7 · 0 MB · /Users/me/x -v");
+    EXPECT_EQ(with({Making(7, "/Users/me/x -v").parent(1)}).finding("orphan:7")->evidence,
+              "pid 7 · 0 MB · /Users/me/x -v");
     std::string umlauts = "/Users/me/";
     for (int count = 0; count < 90; ++count) umlauts += "ü";
     std::string shown = "/Users/me/";

@@ -65,7 +65,7 @@ TEST(AnyMachine, IsOfferedOnlyWhatMayBeEnded) {
         expectOnlySafeOffers(machine, findings);
         expectAnOrderedListThatAddsUp(machine, findings);
         withTrees += std::ranges::any_of(findings, [](const Finding& finding) { return finding.kills(); });
-        refused += std::ranges::any_of(findings, [](const Finding& finding) { return finding.neverReason.has_value(); });
+        refused += std::ranges::any_of(findings, [](const Finding& finding) { return finding.tone() == Tone::never; });
         withCycles += fakes::hasCycle(machine.procs);
     }
     EXPECT_GE(withTrees, machines / 2);

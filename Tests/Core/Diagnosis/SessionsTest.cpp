@@ -62,7 +62,8 @@ TEST(Sessions, AYoungLeftoverIsNotReportedYet) {
 }
 
 TEST(Sessions, AWalkEndsWhereItMeetsItsRootAgain) {
-    const auto found = sessions({Making(11, "claude").parent(13), Making(12, "x").parent(11), Making(13, "y").parent(12),
+    const auto found = sessions({Making(11, "claude").parent(13), Making(12, "x").parent(11),
+                                 Making(13, "y").parent(12),
                                  Making(30, "codex").parent(30)});
     ASSERT_EQ(found.size(), 2u);
     EXPECT_EQ(fakes::pids(found[0].members), (Pids{11, 12, 13}));

@@ -52,7 +52,8 @@ TEST(Orphans, WhatTheServiceManagerRunsIsNone) {
 }
 
 TEST(Orphans, InstalledProgramsAreNone) {
-    for (const char* command : {"/System/x", "/Applications/x", "/Library/x", "/usr/local/bin/x", "/sbin/x", "/bin/x"}) {
+    for (const char* command : {"/System/x", "/Applications/x", "/Library/x", "/usr/local/bin/x", "/sbin/x",
+                                "/bin/x"}) {
         EXPECT_FALSE(Scene().isOrphan(adopted(command))) << command;
     }
     for (const char* command : {"/opt/homebrew/bin/x", "/Users/me/x", "x /usr/bin/y", ""}) {
@@ -104,7 +105,8 @@ TEST(Orphans, OnLinuxADesktopApplicationIsNone) {
 }
 
 TEST(Orphans, OnLinuxAWindowOrALiveConnectionExemptsTheWholeLine) {
-    const std::vector<Proc> procs{Making(7, "/home/me/a").parent(1).uid(1000), Making(8, "/home/me/b").parent(7).uid(1000),
+    const std::vector<Proc> procs{Making(7, "/home/me/a").parent(1).uid(1000),
+                                  Making(8, "/home/me/b").parent(7).uid(1000),
                                   Making(9, "/home/me/c").parent(8).uid(1000),
                                   Making(10, "/home/me/d").parent(1).uid(1000)};
     Scene scene = onLinux();
