@@ -163,6 +163,11 @@ TEST(HolderCause, AToolsOwnMembersAreNoSessionsStartedFromIt) {
     Machine machine = pressed({Making(9, "claude").bytes(5 * GiB), Making(10, "claude").parent(9)});
     EXPECT_EQ(machine.finding("holder:Claude Code")->caution, std::nullopt);
     EXPECT_EQ(machine.finding("holder:Claude Code")->remedy, Remedy(KillTrees{{9}}));
+
+    machine.procs = {Making(9, "/Applications/Claude.app/Contents/MacOS/Claude").bytes(5 * GiB),
+                     Making(10, "/Applications/Claude.app/Contents/MacOS/claude").parent(9)};
+    EXPECT_EQ(machine.finding("holder:Claude")->remedy, Remedy(QuitApp{"Claude"}));
+    EXPECT_EQ(machine.finding("holder:Claude")->caution, std::nullopt);
 }
 
 TEST(ExtensionHost, IsRestartedInTheEditorsPlace) {
@@ -214,6 +219,15 @@ TEST(ExtensionHost, LessThanAnEighthOfMemoryIsNotEnough) {
     EXPECT_EQ(machine.finding("holder:Visual Studio Code")->remedy, Remedy(KillTrees{{20}}));
     machine.ram += 8;
     EXPECT_EQ(machine.finding("holder:Visual Studio Code")->remedy, Remedy(QuitApp{"Visual Studio Code"}));
+}
+
+TEST(ExtensionHost, OfEqualOnesTheFirstIsTaken) {
+    Machine machine = editor(4 * GiB, Making(30, "/opt/x"));
+    machine.procs[0].footprintBytes = 0;
+    machine.procs.push_back(Making(21, plugin).parent(10).bytes(4 * GiB));
+    EXPECT_EQ(machine.finding("holder:Visual Studio Code")->remedy, Remedy(KillTrees{{20}}));
+    std::swap(machine.procs[1], machine.procs[3]);
+    EXPECT_EQ(machine.finding("holder:Visual Studio Code")->remedy, Remedy(KillTrees{{21}}));
 }
 
 TEST(ExtensionHost, OnlyTheTwoEditorsHaveOne) {

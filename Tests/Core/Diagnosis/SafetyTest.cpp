@@ -155,6 +155,9 @@ TEST(Safety, VerdictsNameTheFirstInTheOrderOfTheList) {
                                   Making(11, "/opt/git").parent(10)};
     EXPECT_EQ(Safety::verdicts({10}, ProcessIndex(procs), macHost()).at(10).reason,
               "a Go build in progress (go, pid 12)");
+    const std::vector<Proc> downwards{procs[1], procs[2], procs[0]};
+    EXPECT_EQ(Safety::verdicts({10}, ProcessIndex(downwards), macHost()).at(10).reason,
+              "a git operation in progress (git, pid 11)");
 }
 
 }  // namespace ravik
