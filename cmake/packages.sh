@@ -25,6 +25,8 @@ libgmock-dev               gmock-devel            -              -
 libbenchmark-dev           google-benchmark-devel benchmark      google-benchmark
 xvfb                       xorg-x11-server-Xvfb   xorg-server-xvfb -
 dbus                       dbus-daemon            dbus           -
+openbox                    openbox                openbox        -
+xterm                      xterm                  xterm          -
 '
 packages_lint='
 clang-format-16            clang-tools-extra      clang          clang-format

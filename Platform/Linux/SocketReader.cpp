@@ -2,11 +2,11 @@
 #include <linux/sock_diag.h>
 #include <linux/unix_diag.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <cstring>
 #include <system_error>
 
+#include "Platform/Linux/Descriptor.h"
 #include "Platform/Linux/Sockets.h"
 
 namespace ravik::platform {
@@ -43,13 +43,6 @@ void parseAttributes(std::string_view bytes, UnixSocket& socket) {
     }
 }
 
-struct Descriptor {
-    int fd;
-    ~Descriptor() {
-        if (fd >= 0) close(fd);
-    }
-};
-
 }  // namespace
 
 bool parseUnixDiag(std::string_view bytes, std::vector<UnixSocket>& into) {
@@ -74,11 +67,11 @@ bool parseUnixDiag(std::string_view bytes, std::vector<UnixSocket>& into) {
 }
 
 std::optional<std::vector<UnixSocket>> readUnixSockets() {
-    const Descriptor link{socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_SOCK_DIAG)};
-    if (link.fd < 0) return std::nullopt;
+    const Descriptor link(socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_SOCK_DIAG));
+    if (!link) return std::nullopt;
     // The kernel answers at once; a wait without end would hold up the whole reading.
     const timeval patience{.tv_sec = 1, .tv_usec = 0};
-    setsockopt(link.fd, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    setsockopt(link.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
 
     struct {
         nlmsghdr header;
@@ -90,12 +83,12 @@ std::optional<std::vector<UnixSocket>> readUnixSockets() {
     request.body.sdiag_family = AF_UNIX;
     request.body.udiag_states = ~0U;
     request.body.udiag_show = UDIAG_SHOW_NAME | UDIAG_SHOW_PEER;
-    if (send(link.fd, &request, sizeof request, 0) < 0) return std::nullopt;
+    if (send(link.get(), &request, sizeof request, 0) < 0) return std::nullopt;
 
     std::vector<UnixSocket> sockets;
     std::string buffer(std::size_t{64} * 1024, '\0');
     while (true) {
-        const ssize_t got = recv(link.fd, buffer.data(), buffer.size(), 0);
+        const ssize_t got = recv(link.get(), buffer.data(), buffer.size(), 0);
         if (got <= 0) return std::nullopt;
         const std::string_view bytes(buffer.data(), static_cast<std::size_t>(got));
         nlmsghdr first{};

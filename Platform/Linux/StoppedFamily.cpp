@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "Platform/Linux/BootTime.h"
+#include "Platform/Linux/ProcParse.h"
 #include "Platform/Linux/ReadFile.h"
 #include "Platform/Linux/ServiceRules.h"
 
@@ -19,14 +20,6 @@ fs::path executable(const fs::path& procRoot, Pid pid) {
     return fs::read_symlink(procRoot / std::to_string(pid) / "exe", error);
 }
 
-Pid parentOf(std::string_view stat) {
-    // Behind the name: the state and the parent.
-    const std::size_t at = stat.rfind(')');
-    Pid parent = 0;
-    if (at != stat.npos && stat.size() > at + 4) std::from_chars(stat.data() + at + 4, stat.data() + stat.size(), parent);
-    return parent;
-}
-
 }  // namespace
 
 std::vector<Proc> stoppedFamily(const fs::path& procRoot, Pid root) {
@@ -38,18 +31,18 @@ std::vector<Proc> stoppedFamily(const fs::path& procRoot, Pid root) {
         Pid pid = 0;
         const auto [end, failed] = std::from_chars(name.data(), name.data() + name.size(), pid);
         if (failed != std::errc{} || end != name.data() + name.size()) continue;
-        const auto stat = readFile((at->path() / "stat").native());
-        const auto stamp = stat ? parseStartStamp(*stat) : std::nullopt;
-        if (!stamp) continue;
+        const auto text = readFile((at->path() / "stat").native());
+        const auto stat = text ? parseProcStat(*text) : std::nullopt;
+        if (!stat) continue;
         struct stat owner {};
         if (::stat(at->path().c_str(), &owner) != 0) continue;
         Proc proc;
         proc.id = pid;
-        proc.ppid = parentOf(*stat);
+        proc.ppid = stat->ppid;
         proc.uid = owner.st_uid;
-        proc.startTicks = stamp->ticks;
-        proc.started = startedAt(stamp->ticks);
-        if (stamp->state == 'T') stopped.insert(pid);
+        proc.startTicks = stat->startTicks;
+        proc.started = startedAt(stat->startTicks);
+        if (stat->state == 'T') stopped.insert(pid);
         all.push_back(std::move(proc));
     }
     if (stopped.empty()) return {};

@@ -1,7 +1,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <unistd.h>
 
+#include "Platform/Linux/Descriptor.h"
 #include "Platform/Linux/FdSource.h"
 #include "Platform/Linux/SwayIpc.h"
 #include "Platform/Linux/Windows.h"
@@ -18,29 +18,23 @@ public:
         address.sun_family = AF_UNIX;
         path.copy(address.sun_path, sizeof address.sun_path - 1);
         const timeval patience{.tv_sec = 1, .tv_usec = 0};
-        setsockopt(m_fd, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-        setsockopt(m_fd, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
+        setsockopt(fd(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+        setsockopt(fd(), SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
         if (path.size() >= sizeof address.sun_path ||
-            connect(m_fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+            connect(fd(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
             shut();
         }
     }
-    ~Link() { shut(); }
-    Link(const Link&) = delete;
-    Link& operator=(const Link&) = delete;
 
-    int fd() const { return m_fd; }
-    bool alive() const { return m_fd >= 0; }
-    void shut() {
-        if (m_fd >= 0) ::close(m_fd);
-        m_fd = -1;
-    }
+    int fd() const { return m_fd.get(); }
+    bool alive() const { return static_cast<bool>(m_fd); }
+    void shut() { m_fd.close(); }
 
     /// The payload of the answer; absent, and the connection shut, if there is none.
     std::optional<std::string> ask(std::uint32_t type, std::string_view payload) {
         const std::string bytes = SwayIpc::encode(type, payload);
         for (std::size_t sent = 0; alive() && sent < bytes.size();) {
-            const ssize_t got = send(m_fd, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+            const ssize_t got = send(fd(), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
             if (got <= 0) shut();
             else sent += static_cast<std::size_t>(got);
         }
@@ -58,14 +52,14 @@ public:
     /// Adds what has come; false if there is nothing more to come.
     bool receive(int flags) {
         char piece[16384];
-        const ssize_t got = recv(m_fd, piece, sizeof piece, flags);
+        const ssize_t got = recv(fd(), piece, sizeof piece, flags);
         if (got > 0) m_bytes.append(piece, static_cast<std::size_t>(got));
         return got > 0;
     }
     std::string& bytes() { return m_bytes; }
 
 private:
-    int m_fd;
+    Descriptor m_fd;
     std::string m_bytes;
 };
 

@@ -7,7 +7,7 @@
 
 namespace ravik::platform {
 
-std::string OwnServer::start(std::vector<std::string> words) {
+std::string OwnServer::start(std::vector<std::string> words, const std::vector<std::string>& environment) {
     // The end that the server gets must not be closed when it is started, and no other end may stay open in it.
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) return {};
@@ -15,7 +15,7 @@ std::string OwnServer::start(std::vector<std::string> words) {
     for (std::string& word : words) {
         if (const std::size_t at = word.find("{fd}"); at != word.npos) word.replace(at, 4, std::to_string(ends[1]));
     }
-    m_pid = m_reaper.add(startProgram(words));
+    m_pid = m_reaper.add(startProgram(words, environment));
     close(ends[1]);
     std::string line;
     pollfd ready{ends[0], POLLIN, 0};

@@ -24,7 +24,7 @@ public:
 protected:
     /// Starts it with the number of the pipe's end in place of "{fd}" and returns the first line that it writes
     /// there; empty if it writes none within ten seconds.
-    std::string start(std::vector<std::string> words);
+    std::string start(std::vector<std::string> words, const std::vector<std::string>& environment = {});
 
 private:
     Reaper m_reaper;
