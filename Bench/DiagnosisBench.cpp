@@ -34,7 +34,7 @@ std::string ordinary(int number) {
         case 0: return "/usr/lib/firefox/firefox -contentproc -childID 7 -isForBrowser -prefsLen 41226 tab";
         case 1: return "/usr/share/code/code --type=utility --utility-sub-type=node.mojom.NodeService --lang=en-GB";
         case 2: return "/bin/bash";
-        case 3: return fmt::format("node /home/me/work/app{}/node_modules/.bin/vite --port 5173", number);
+        case 3: return fmt::format("node /home/me/src/app{}/node_modules/.bin/vite --port 5173", number);
         case 4: return "/usr/libexec/gvfsd-trash --spawner :1.20 /org/gtk/gvfs/exec_spaw/0";
         case 5: return "/opt/google/chrome/chrome --type=renderer --enable-crash-reporter --change-stack-guard-on-fork";
         case 6: return fmt::format("python3 -m tool{} --serve", number);

@@ -12,7 +12,7 @@ constexpr const char* commands[] = {
     "/Users/me/.npm/_npx/1/node_modules/.bin/mcp-server",
     "/home/me/.cache/mcp/run --port 7",
     "node /home/me/.npm/_npx/2/playwright-mcp/cli.js",
-    "/usr/bin/node /home/me/work/server.js",
+    "/usr/bin/node /home/me/src/server.js",
     "/home/me/bin/backup.sh",
     "/tmp/tool",
     "python3 -m http.server",
