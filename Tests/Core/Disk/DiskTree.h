@@ -44,6 +44,18 @@ private:
     std::filesystem::path m_base;
 };
 
+/// Keeps what it is given where it is, and notes its path.
+class NotingTrash : public Trash {
+public:
+    std::optional<std::string> move(const std::filesystem::path& path) override {
+        if (refusal) return refusal;
+        moved.push_back(path.string());
+        return {};
+    }
+    std::vector<std::string> moved;
+    std::optional<std::string> refusal;
+};
+
 /// Runs `check` in a child process of its own and gives what it returned; -1 if it died.
 int inChild(const std::function<int()>& check);
 /// Makes this process an ordinary user, if it is not one.
