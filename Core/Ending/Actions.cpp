@@ -27,14 +27,8 @@ std::string leftRunning(const EndResult& result) { return fmt::format("Left runn
 }  // namespace
 
 Task<bool> Actions::ask(Confirmation question) {
-    Clock& clock = m_monitor.platform().clock;
-    const double asked = clock.monotonic();
-    const std::string title = question.title;
-    const bool confirmed = co_await m_asker.ask(std::move(question));
-    m_monitor.log().event("confirm", {{"title", title},
-                                      {"confirmed", confirmed},
-                                      {"seconds", clock.monotonic() - asked},
-                                      {"active", m_asker.isActive()}});
+    const bool confirmed =
+        co_await askAndLog(m_asker, std::move(question), m_monitor.log(), m_monitor.platform().clock);
     if (!confirmed) m_outcome.kind = Outcome::Kind::cancelled;
     co_return confirmed;
 }

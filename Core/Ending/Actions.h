@@ -6,20 +6,10 @@
 #include <vector>
 
 #include "Core/Base/Task.h"
-#include "Core/Ending/Confirmation.h"
+#include "Core/Ending/Asker.h"
 #include "Core/Watch/Monitor.h"
 
 namespace ravik {
-
-/// Puts a question to the user: the panel and the terminal each answer in their way. However it is left other than
-/// by the verb, the answer is no.
-class Asker {
-public:
-    virtual ~Asker() = default;
-    virtual Task<bool> ask(const Confirmation& question) = 0;
-    /// Whether the program is the one in front, for the log.
-    virtual bool isActive() { return true; }
-};
 
 /// The road from a button to a signal: builds the question, asks it, runs the fix and says in one line what came
 /// of it. No line means that nothing happened that is worth one. Main loop.

@@ -25,12 +25,12 @@ std::string_view spaceNote(HostKind kind) {
 
 }  // namespace
 
-DiskModel::DiskModel(Platform& platform, Log& log, HostKind kind, Ask ask)
+DiskModel::DiskModel(Platform& platform, Log& log, HostKind kind, Asker& asker)
     : projectRoots(DiskScanner::defaultProjectRoots(diskTables(kind), platform.folders.home)),
       m_platform(platform),
       m_log(log),
       m_kind(kind),
-      m_ask(std::move(ask)) {}
+      m_asker(asker) {}
 
 DiskModel::~DiskModel() {
     if (m_cancelled) *m_cancelled = true;
@@ -117,7 +117,9 @@ Task<> DiskModel::trashChecked() {
     std::vector<Reclaimable> rows;
     std::ranges::copy_if(m_items, std::back_inserter(rows),
                          [&](const Reclaimable& row) { return m_checked.contains(row.id); });
-    if (rows.empty() || !co_await m_ask(question(rows))) co_return;
+    if (rows.empty()) co_return;
+    const bool confirmed = co_await askAndLog(m_asker, question(rows), m_log, m_platform.clock);
+    if (!confirmed) co_return;
 
     m_failures.clear();
     std::uint64_t moved = 0;

@@ -11,7 +11,7 @@
 
 #include "Core/Base/Task.h"
 #include "Core/Disk/DiskScanner.h"
-#include "Core/Ending/Confirmation.h"
+#include "Core/Ending/Asker.h"
 #include "Core/Host/Host.h"
 #include "Core/Record/Log.h"
 #include "Platform/Platform.h"
@@ -41,11 +41,8 @@ public:
     };
     using Phase = std::variant<Idle, Scanning, Done, Failed>;
 
-    /// Puts the question to the user and writes the "confirm" line.
-    using Ask = std::function<Task<bool>(Confirmation)>;
-
-    /// The platform and the log must outlive the main loop's background work.
-    DiskModel(Platform& platform, Log& log, HostKind kind, Ask ask);
+    /// All must outlive the main loop's background work.
+    DiskModel(Platform& platform, Log& log, HostKind kind, Asker& asker);
     /// Ends a scan under way.
     ~DiskModel();
     DiskModel(const DiskModel&) = delete;
@@ -84,7 +81,7 @@ private:
     Platform& m_platform;
     Log& m_log;
     const HostKind m_kind;
-    Ask m_ask;
+    Asker& m_asker;
     Phase m_phase;
     std::vector<Reclaimable> m_items;
     std::set<std::string> m_checked;

@@ -7,6 +7,7 @@
 
 #include "Core/Screens/DiskScreen.h"
 #include "Tests/Core/Disk/DiskTree.h"
+#include "Tests/Fakes/FakeAsker.h"
 #include "Tests/Fakes/FakeMachine.h"
 
 namespace ravik {
@@ -31,11 +32,7 @@ protected:
         options.now = [this] { return machine.clock.now(); };
         options.session = "00000000";
         log = std::make_unique<Log>(std::move(options));
-        return std::make_unique<DiskModel>(machine.platform, *log, kind, [this](Confirmation question) -> Task<bool> {
-            asked.push_back(std::move(question));
-            if (onAsked) onAsked();
-            co_return answer;
-        });
+        return std::make_unique<DiskModel>(machine.platform, *log, kind, asker);
     }
 
     std::unique_ptr<DiskModel> scanned(HostKind kind = HostKind::mac) {
@@ -49,13 +46,15 @@ protected:
         for (const Reclaimable& row : model.items()) model.setChecked(row.id, true);
     }
 
-    std::vector<json> lines() {
+    /// The lines of one kind, or all but the questions.
+    std::vector<json> lines(std::string_view kind = {}) {
         log->flush();
         std::vector<json> all;
         for (const auto& entry : fs::directory_iterator(outside / "log")) {
             std::ifstream file(entry.path());
             for (std::string line; std::getline(file, line);) {
                 json value = json::parse(line);
+                if (kind.empty() ? value["kind"] == "confirm" : value["kind"] != kind) continue;
                 value.erase("t");
                 value.erase("session");
                 all.push_back(std::move(value));
@@ -66,9 +65,7 @@ protected:
 
     fakes::FakeMachine machine;
     std::unique_ptr<Log> log;
-    std::vector<Confirmation> asked;
-    std::function<void()> onAsked;
-    bool answer = true;
+    fakes::FakeAsker asker;
 };
 
 TEST_F(DiskModelTest, StartsIdleWithTheDefaultRoots) {
@@ -109,30 +106,30 @@ TEST_F(DiskModelTest, AsksWithOneRowAFolder) {
     fill(home / ".npm/_npx", 60 * MiB);
     fill(home / ".cache/uv", 1200 * MiB);
     const auto model = scanned();
-    answer = false;
+    asker.answer = false;
     model->setChecked((home / ".npm/_npx").string(), true);
     spawn(model->trashChecked());
-    ASSERT_THAT(asked, SizeIs(1));
-    EXPECT_EQ(asked[0].title, "Move 1 folder to the Trash?");
-    EXPECT_EQ(asked[0].message,
+    ASSERT_THAT(asker.asked, SizeIs(1));
+    EXPECT_EQ(asker.asked[0].title, "Move 1 folder to the Trash?");
+    EXPECT_EQ(asker.asked[0].message,
               "0.1 GB. Each is recreated by its tool on next use, and you can put any of it back from the Trash.");
-    EXPECT_EQ(asked[0].verb, "Move to Trash");
-    ASSERT_THAT(asked[0].ends, SizeIs(1));
-    EXPECT_EQ(asked[0].ends[0].name, "npx cache");
-    EXPECT_EQ(asked[0].ends[0].amount, "0.1 GB");
+    EXPECT_EQ(asker.asked[0].verb, "Move to Trash");
+    ASSERT_THAT(asker.asked[0].ends, SizeIs(1));
+    EXPECT_EQ(asker.asked[0].ends[0].name, "npx cache");
+    EXPECT_EQ(asker.asked[0].ends[0].amount, "0.1 GB");
     tickAll(*model);
     spawn(model->trashChecked());
-    EXPECT_EQ(asked[1].title, "Move 2 folders to the Trash?");
-    EXPECT_THAT(asked[1].message, ::testing::StartsWith("1.3 GB. "));
-    EXPECT_EQ(asked[1].ends[0].name, "uv cache");
-    EXPECT_EQ(asked[1].ends[0].amount, "1.2 GB");
+    EXPECT_EQ(asker.asked[1].title, "Move 2 folders to the Trash?");
+    EXPECT_THAT(asker.asked[1].message, ::testing::StartsWith("1.3 GB. "));
+    EXPECT_EQ(asker.asked[1].ends[0].name, "uv cache");
+    EXPECT_EQ(asker.asked[1].ends[0].amount, "1.2 GB");
 }
 
 TEST_F(DiskModelTest, ANoChangesNothing) {
     fill(home / ".npm/_npx", 60 * MiB);
     const auto model = scanned();
     tickAll(*model);
-    answer = false;
+    asker.answer = false;
     spawn(model->trashChecked());
     EXPECT_THAT(machine.trash.moved, IsEmpty());
     EXPECT_THAT(model->items(), SizeIs(1));
@@ -141,11 +138,24 @@ TEST_F(DiskModelTest, ANoChangesNothing) {
     EXPECT_THAT(lines(), SizeIs(1));
 }
 
+TEST_F(DiskModelTest, TheAnswerIsLogged) {
+    fill(home / ".npm/_npx", 60 * MiB);
+    const auto model = scanned();
+    tickAll(*model);
+    asker.answer = false;
+    spawn(model->trashChecked());
+    EXPECT_THAT(lines("confirm"), ElementsAre(json{{"kind", "confirm"},
+                                                   {"title", "Move 1 folder to the Trash?"},
+                                                   {"confirmed", false},
+                                                   {"seconds", 0.0},
+                                                   {"active", true}}));
+}
+
 TEST_F(DiskModelTest, NothingTickedIsNotAskedAbout) {
     fill(home / ".npm/_npx", 60 * MiB);
     const auto model = scanned();
     spawn(model->trashChecked());
-    EXPECT_THAT(asked, IsEmpty());
+    EXPECT_THAT(asker.asked, IsEmpty());
 }
 
 TEST_F(DiskModelTest, MovingEveryRowLeavesTheHeroOnFreeSpaceWithTheAmountMoved) {
@@ -170,7 +180,7 @@ TEST_F(DiskModelTest, ARefusedRowIsNamedAndTheNextStillMoves) {
     const auto model = scanned();
     tickAll(*model);
     // It starts while the question stands.
-    onAsked = [&] { machine.workspace.apps.push_back({.app = {.bundleName = "", .localizedName = "Claude", .pid = 9}}); };
+    asker.whileAsked = [&] { machine.workspace.apps.push_back({.app = {.bundleName = "", .localizedName = "Claude", .pid = 9}}); };
     spawn(model->trashChecked());
     const std::string why = "Claude is running and may be using it. Quit Claude first; nothing was changed.";
     EXPECT_EQ(model->phase(), DiskModel::Phase(DiskModel::Failed{"Could not move Claude app VM bundle to the Trash: " +
@@ -206,7 +216,7 @@ TEST_F(DiskModelTest, OnLinuxItSaysWhenTheSpaceReturns) {
     const auto model = scanned(HostKind::linux);
     tickAll(*model);
     spawn(model->trashChecked());
-    EXPECT_EQ(asked.at(0).message,
+    EXPECT_EQ(asker.asked.at(0).message,
               "0.2 GB. Each is recreated by its tool on next use, and you can put any of it back from the Trash. The "
               "space returns when the Trash is emptied.");
     EXPECT_EQ(model->trashed(), "Moved 0.2 GB to the Trash. The space returns when the Trash is emptied.");

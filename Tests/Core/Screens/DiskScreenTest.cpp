@@ -5,6 +5,7 @@
 
 #include "Core/Screens/LiveLeftoversRule.h"
 #include "Tests/Core/Disk/DiskTree.h"
+#include "Tests/Fakes/FakeAsker.h"
 #include "Tests/Fakes/FakeMachine.h"
 
 namespace ravik {
@@ -14,7 +15,10 @@ using ::testing::ElementsAre;
 
 class DiskScreenTest : public DiskTree {
 protected:
-    DiskScreenTest() { machine.platform.folders.home = home; }
+    DiskScreenTest() {
+        machine.platform.folders.home = home;
+        model.projectRoots = roots;
+    }
 
     fakes::FakeMachine machine;
     Log log{[this] {
@@ -24,7 +28,8 @@ protected:
         options.enabled = false;
         return options;
     }()};
-    DiskModel model{machine.platform, log, HostKind::mac, [](Confirmation) -> Task<bool> { co_return true; }};
+    fakes::FakeAsker asker;
+    DiskModel model{machine.platform, log, HostKind::mac, asker};
 };
 
 TEST_F(DiskScreenTest, StartsWithFreeSpaceAndTheHelp) {
