@@ -1,0 +1,22 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+namespace ravik {
+
+/// The screens of the main window, in the order of the sidebar.
+enum class Destination { diagnosis, sessions, processes, disk, history, autopilot };
+
+inline constexpr std::array allDestinations{Destination::diagnosis, Destination::sessions, Destination::processes,
+                                            Destination::disk,      Destination::history,  Destination::autopilot};
+
+/// "diagnosis": as the log, the environment and the terminal name it.
+std::string_view word(Destination destination);
+/// "Agent sessions": as the user reads it.
+std::string_view title(Destination destination);
+std::string_view symbol(Destination destination);
+std::optional<Destination> parseDestination(std::string_view word);
+
+}  // namespace ravik
