@@ -12,4 +12,11 @@ inline std::int64_t saturatingAdd(std::int64_t a, std::int64_t b) {
     return b < 0 ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
 }
 
+/// Cut toward zero, and to the limit where it lies beyond; 0 for what is no number.
+inline std::int64_t saturatingCut(double value) {
+    if (value >= 0x1p63) return std::numeric_limits<std::int64_t>::max();
+    if (value < -0x1p63) return std::numeric_limits<std::int64_t>::min();
+    return value == value ? static_cast<std::int64_t>(value) : 0;
+}
+
 }  // namespace ravik

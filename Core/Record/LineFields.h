@@ -1,12 +1,9 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "Core/Record/JsonValue.h"
 
@@ -14,22 +11,15 @@ namespace ravik {
 
 /// The fields of log lines that the history counts, whatever the kind.
 enum class Field : std::uint8_t {
-    t, kind, swapGB, memFreePct, load, top, findings, reclaimableMB, survivors, gainMB, mb,
-    id, title, finding, refused, needsConfirmation, quit, cancelled, ended, group
+    cancelled, ended, finding, findings, gainMB, group, id, kind, load, memFreePct, mb, needsConfirmation, quit,
+    reclaimableMB, refused, swapGB, survivors, t, top, title, count
 };
 
-/// One parsed line, each field read with a test of its type. Views into the parser's memory.
+/// One parsed line, each field read with a test of its type. Of two fields of one name the last counts. Views into the
+/// parser's memory, valid until its next line.
 class LineFields {
 public:
-    explicit LineFields(const simdjson::dom::object& line) {
-        for (const auto field : line) {
-            const auto at = std::find(names.begin(), names.end(), field.key);
-            if (at == names.end()) continue;
-            const auto index = static_cast<std::size_t>(at - names.begin());
-            m_values[index] = field.value;
-            m_present |= 1u << index;
-        }
-    }
+    explicit LineFields(const simdjson::dom::object& line);
 
     /// Whatever its value.
     bool has(Field field) const { return (m_present >> static_cast<unsigned>(field) & 1) != 0; }
@@ -41,37 +31,31 @@ public:
     std::optional<std::string_view> text(Field field) const { return read(field, JsonValue::text); }
     /// A boolean, and this one.
     bool is(Field field, bool expected) const { return read(field, JsonValue::boolean) == expected; }
-    std::optional<simdjson::dom::array> array(Field field) const {
-        return read(field, [](const JsonValue::Element& value) -> std::optional<simdjson::dom::array> {
-            if (!value.is_array()) return {};
-            return value.get_array().value_unsafe();
-        });
-    }
-    /// Empty unless every element is a string.
-    std::vector<std::string_view> texts(Field field) const {
-        std::vector<std::string_view> result;
-        const auto values = array(field);
-        if (!values) return result;
-        for (const JsonValue::Element value : *values) {
-            const auto one = JsonValue::text(value);
-            if (!one) return {};
-            result.push_back(*one);
+
+    /// Calls `each` with every element of the field, if it is an array of nothing but `type`.
+    template <typename Each>
+    void forEach(Field field, simdjson::dom::element_type type, Each each) const {
+        if (!has(field) || !m_values[static_cast<std::size_t>(field)].is_array()) return;
+        const simdjson::dom::array values = m_values[static_cast<std::size_t>(field)].get_array().value_unsafe();
+        for (const JsonValue::Element value : values) {
+            if (value.type() != type) return;
         }
-        return result;
+        for (const JsonValue::Element value : values) each(value);
+    }
+    /// Elements of the field, if it is an array.
+    std::int64_t length(Field field) const {
+        if (!has(field) || !m_values[static_cast<std::size_t>(field)].is_array()) return 0;
+        return static_cast<std::int64_t>(m_values[static_cast<std::size_t>(field)].get_array().value_unsafe().size());
     }
 
 private:
-    static constexpr std::array<std::string_view, 20> names{
-        "t", "kind", "swapGB", "memFreePct", "load", "top", "findings", "reclaimableMB", "survivors", "gainMB", "mb",
-        "id", "title", "finding", "refused", "needsConfirmation", "quit", "cancelled", "ended", "group"};
-
     template <typename Read>
     auto read(Field field, Read how) const -> decltype(how(JsonValue::Element())) {
         if (!has(field)) return {};
         return how(m_values[static_cast<std::size_t>(field)]);
     }
 
-    std::array<JsonValue::Element, names.size()> m_values;
+    std::array<JsonValue::Element, static_cast<std::size_t>(Field::count)> m_values;
     std::uint32_t m_present = 0;
 };
 

@@ -5,15 +5,18 @@
 
 #include <fmt/format.h>
 
-#include "Core/Base/Iso8601.h"
 #include "Core/Base/Saturating.h"
 #include "Core/Record/FindingLabel.h"
 #include "Core/Record/LineFields.h"
 #include "Core/Record/LogBytes.h"
+#include "Core/Record/StampReader.h"
 
 namespace ravik {
 
 namespace {
+
+using JsonValue::Element;
+using simdjson::dom::element_type;
 
 static_assert(LogBytes::padding >= simdjson::SIMDJSON_PADDING);
 
@@ -25,10 +28,13 @@ bool mentionsAKind(std::string_view line) {
     constexpr std::string_view key = "\"kind\":\"";
     constexpr std::array<std::string_view, 7> kinds{"tick\"",   "diagnosis\"", "finding\"", "remedy\"",
                                                     "fixAll\"", "autopilot\"", "kill\""};
-    for (std::size_t at = 0; (at = line.find(key, at)) != std::string_view::npos;) {
-        at += key.size();
-        const std::string_view rest = line.substr(at);
-        if (std::any_of(kinds.begin(), kinds.end(), [&](std::string_view k) { return rest.starts_with(k); })) return true;
+    // There are far fewer letters k in a line than quotes, and a search for one byte is the fastest there is.
+    for (std::size_t k = 1; k < line.size() && (k = line.find('k', k)) != std::string_view::npos; ++k) {
+        if (line.compare(k - 1, key.size(), key) != 0) continue;
+        const std::string_view rest = line.substr(k - 1 + key.size());
+        if (std::any_of(kinds.begin(), kinds.end(), [&](std::string_view kind) { return rest.starts_with(kind); })) {
+            return true;
+        }
     }
     return false;
 }
@@ -48,46 +54,20 @@ struct LineFold::State {
     simdjson::dom::parser parser;
     DayAggregate* day = nullptr;
 
-    // Lines stand in order of time and much alike, so that what the line before them found is mostly right.
-    std::string stamp;
-    std::optional<Time> stampTime;
-    std::int64_t bucketHour = 0;
-    HourBucket* bucket = nullptr;
-    std::vector<HourBucket::Apps::value_type*> lastTop;
-
-    std::optional<Time> timeOf(std::string_view text) {
-        if (text != stamp || stamp.empty()) {
-            stamp = text;
-            stampTime = Iso8601::parse(text);
-        }
-        return stampTime;
-    }
-
-    HourBucket& bucketAt(std::int64_t hour) {
-        if (bucket && bucketHour == hour) return *bucket;
-        bucket = &day->hours[hour];
-        bucket->start = static_cast<Time>(hour) * 3600;
-        bucketHour = hour;
-        lastTop.clear();
-        return *bucket;
-    }
-
-    HourBucket::Apps::value_type& appAt(std::size_t rank, std::string_view name) {
-        if (rank < lastTop.size() && lastTop[rank]->first == name) return *lastTop[rank];
-        auto at = bucket->apps.find(name);
-        if (at == bucket->apps.end()) at = bucket->apps.emplace(std::string(name), 0).first;
-        if (rank < lastTop.size()) lastTop[rank] = &*at;
-        else if (rank == lastTop.size() && rank < 16) lastTop.push_back(&*at);
-        return *at;
-    }
-
+    HourBucket& bucketAt(std::int64_t hour);
     void fold(const LineFields& line);
     void tick(const LineFields& line, std::int64_t hour);
-    void top(const simdjson::dom::array& apps);
     void diagnosis(const LineFields& line, std::int64_t hour);
     void remedy(const LineFields& line, HistoryEvent event);
     void fixAll(const LineFields& line, HistoryEvent event);
     void kill(const LineFields& line, HistoryEvent event);
+
+    // Lines stand in order of time and much alike, so what the line before them came to mostly holds for them.
+    StampReader stamps;
+    std::int64_t bucketHour = 0;
+    HourBucket* bucket = nullptr;
+    std::vector<HourBucket::Apps::value_type*> lastTop;
+    std::vector<const std::string*> lastCauses;
 };
 
 LineFold::LineFold() : m_state(std::make_unique<State>()) {}
@@ -105,11 +85,21 @@ void LineFold::apply(std::string_view line) {
     m_state->fold(LineFields(object));
 }
 
+HourBucket& LineFold::State::bucketAt(std::int64_t hour) {
+    if (bucket && bucketHour == hour) return *bucket;
+    bucket = &day->hours[hour];
+    bucket->start = static_cast<Time>(hour) * 3600;
+    bucketHour = hour;
+    lastTop.clear();
+    lastCauses.clear();
+    return *bucket;
+}
+
 void LineFold::State::fold(const LineFields& line) {
     const auto kind = line.text(Field::kind);
-    const auto stampText = line.text(Field::t);
-    if (!kind || !stampText) return;
-    const auto at = timeOf(*stampText);
+    const auto stamp = line.text(Field::t);
+    if (!kind || !stamp) return;
+    const auto at = stamps.read(*stamp);
     if (!at) return;
     const auto hour = static_cast<std::int64_t>(*at / 3600);
     if (*kind == "tick") return tick(line, hour);
@@ -123,9 +113,7 @@ void LineFold::State::fold(const LineFields& line) {
 
     HistoryEvent event;
     event.at = *at;
-    if (const auto survivors = line.array(Field::survivors)) {
-        for ([[maybe_unused]] const auto survivor : *survivors) ++event.survivors;
-    }
+    event.survivors = line.length(Field::survivors);
     if (*kind == "remedy") return remedy(line, std::move(event));
     if (*kind == "fixAll") return fixAll(line, std::move(event));
     if (*kind == "kill") return kill(line, std::move(event));
@@ -144,32 +132,36 @@ void LineFold::State::tick(const LineFields& line, std::int64_t hour) {
     into.swapMax = std::max(into.swapMax, swap);
     into.memFreeMin = std::min(into.memFreeMin, line.whole(Field::memFreePct, 100));
     into.loadMax = std::max(into.loadMax, line.real(Field::load));
-    if (const auto apps = line.array(Field::top)) top(*apps);
-}
-
-void LineFold::State::top(const simdjson::dom::array& apps) {
-    for (const JsonValue::Element app : apps) {
-        if (!app.is_array()) return;
-    }
     std::size_t rank = 0;
-    for (const JsonValue::Element app : apps) {
+    line.forEach(Field::top, element_type::ARRAY, [&](const Element& app) {
         const simdjson::dom::array pair = app.get_array().value_unsafe();
-        if (pair.size() != 2) continue;
-        auto value = pair.begin();
-        const auto name = JsonValue::text(*value);
-        const auto mb = JsonValue::whole(*++value);
-        if (!name || !mb) continue;
-        auto& held = appAt(rank++, *name).second;
-        held = std::max(held, *mb);
-    }
+        if (pair.size() != 2) return;
+        auto part = pair.begin();
+        const auto name = JsonValue::text(*part);
+        const auto mb = JsonValue::whole(*++part);
+        if (!name || !mb) return;
+        if (rank == lastTop.size()) lastTop.push_back(nullptr);
+        auto*& held = lastTop[rank++];
+        if (!held || held->first != *name) {
+            const auto known = into.apps.find(*name);
+            held = known != into.apps.end() ? &*known : &*into.apps.emplace(std::string(*name), 0).first;
+        }
+        held->second = std::max(held->second, *mb);
+    });
 }
 
 void LineFold::State::diagnosis(const LineFields& line, std::int64_t hour) {
     HourBucket& into = bucketAt(hour);
     into.reclaimMB = std::max(into.reclaimMB, line.whole(Field::reclaimableMB));
-    for (const std::string_view id : line.texts(Field::findings)) {
-        if (into.causes.find(id) == into.causes.end()) into.causes.emplace(id);
-    }
+    std::size_t rank = 0;
+    line.forEach(Field::findings, element_type::STRING, [&](const Element& finding) {
+        const std::string_view id = finding.get_string().value_unsafe();
+        if (rank == lastCauses.size()) lastCauses.push_back(nullptr);
+        const std::string*& cause = lastCauses[rank++];
+        if (cause && *cause == id) return;
+        const auto known = into.causes.find(id);
+        cause = known != into.causes.end() ? &*known : &*into.causes.emplace(id).first;
+    });
 }
 
 void LineFold::State::remedy(const LineFields& line, HistoryEvent event) {
@@ -185,7 +177,8 @@ void LineFold::State::remedy(const LineFields& line, HistoryEvent event) {
 
 void LineFold::State::fixAll(const LineFields& line, HistoryEvent event) {
     if (line.is(Field::cancelled, true)) return;
-    for (const std::string_view id : line.texts(Field::findings)) event.ids.emplace_back(id);
+    line.forEach(Field::findings, element_type::STRING,
+                 [&](const Element& id) { event.ids.emplace_back(id.get_string().value_unsafe()); });
     const auto belongs = [&](const HistoryEvent& earlier) {
         return earlier.what.starts_with("Ended") && event.at - earlier.at < batchSeconds &&
                std::all_of(earlier.ids.begin(), earlier.ids.end(), [&](const std::string& id) {
