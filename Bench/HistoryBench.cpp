@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -68,7 +69,7 @@ private:
             R"({{"breaches":[],"diskFreeGB":{},"gpu":{},"hogs":0,"kind":"tick","load":{},"memFreePct":{},"orphans":2,)"
             R"("procs":{},"session":"0A1B2C3D","sessions":1,"swapGB":{},"swapOutMBps":{},"t":"{}","top":[{}]}})"
             "\n",
-            between(80, 90), n % 100, between(0, 9), n % 60 + 10, n % 30 + 500, between(0, 12), between(0, 1), t, top);
+            between(80, 90), n % 100, std::round(between(0, 9) * 100) / 100, n % 60 + 10, n % 30 + 500, between(0, 12), between(0, 1), t, top);
         lines += fmt::format(
             R"({{"findings":["leftovers","orphan:{}","holder:Google Chrome"],"kind":"diagnosis","reclaimableMB":{},)"
             R"("session":"0A1B2C3D","t":"{}"}})"
@@ -141,7 +142,7 @@ void history(benchmark::State& state) {
             warm = std::min(warm, seconds(load));
         }
         jq = seconds([&] {
-            run("jq -c 'select(.kind == \"tick\") | [.t, .swapGB, .memFreePct, .load, .top]' " + first) ;
+            run("jq -c 'select(.kind == \"tick\") | [.t, .swapGB, .memFreePct, .load, .top]' " + first);
         });
         HistoryMemo known;
         for (auto& day : HistoryStore::load(folder, cache)) known.emplace(day.day, day);
