@@ -7,6 +7,7 @@
 
 #include "Platform/Linux/BootTime.h"
 #include "Platform/Linux/CommandLine.h"
+#include "Platform/Linux/ControlGroup.h"
 #include "Platform/Linux/Utf8.h"
 
 namespace ravik::platform {
@@ -66,6 +67,7 @@ void LinuxProcessTable::list(Pids& pids) {
         });
     }
     noteSwap();
+    if (m_options.apps) m_options.apps->refresh();
 }
 
 bool LinuxProcessTable::read(Pid pid, ProcessReading& reading) {
@@ -114,7 +116,7 @@ void LinuxProcessTable::forget(Entry& entry) {
 }
 
 bool LinuxProcessTable::isDue(const Entry& entry) {
-    if (entry.kind != Kind::process) return false;
+    if (entry.kind != Kind::process || entry.identifiedIn == m_scan) return false;
     if (m_now - entry.reading.started < youngSeconds || entry.turn == m_scan % turns) return true;
     if (hasLostParent(entry.reading.ppid)) return true;
     // A parent that is younger than its child took over the pid of the one that has gone.
@@ -127,7 +129,7 @@ bool LinuxProcessTable::hasLostParent(Pid parent) {
     if (parent == m_askedParent) return m_askedParentLost;
     const auto found = m_entries.find(parent);
     if (found == m_entries.end() || found->second.listedIn != m_scan) {
-        m_askedParentLost = m_proc.isLive() && !exists(parent);
+        m_askedParentLost = !m_proc.isLive() || !exists(parent);
     } else {
         Entry& entry = found->second;
         m_askedParentLost = !entry.isKnown || !measure(entry) || entry.kind == Kind::zombie ||
@@ -143,6 +145,11 @@ bool LinuxProcessTable::identify(Entry& entry) {
     if (!stat || (entry.isKnown && stat->startTicks != entry.reading.startTicks)) return false;
 
     ProcessReading& reading = entry.reading;
+    const bool isAdopted = entry.isKnown && reading.ppid != stat->ppid;
+    if (isAdopted) {
+        const auto adopter = m_entries.find(stat->ppid);
+        if (adopter != m_entries.end()) adopter->second.adopts = true;
+    }
     reading.id = entry.pid;
     reading.ppid = stat->ppid;
     reading.startTicks = stat->startTicks;
@@ -154,15 +161,22 @@ bool LinuxProcessTable::identify(Entry& entry) {
         reading.uid = *owner;
         const auto arguments = m_proc.read(entry.pid, "cmdline", m_arguments).value_or("");
         const std::size_t hash = std::hash<std::string_view>{}(arguments);
-        if (!entry.isKnown || hash != entry.argumentsHash || stat->comm != entry.comm || stat->image != entry.image) {
+        const bool isRetitled = hash != entry.argumentsHash || stat->comm != entry.comm;
+        // Where the image is not told, whatever may come of an exec counts as one.
+        const bool isExec = stat->image != entry.image || (stat->image == 0 && isRetitled);
+        const std::uint64_t generation = m_options.apps ? m_options.apps->generation() : 0;
+        const bool isUnnamed = !entry.isKnown || isExec || entry.appGeneration != generation;
+        if (isUnnamed || isRetitled) {
             describe(entry, *stat, arguments);
             entry.argumentsHash = hash;
             entry.comm = stat->comm;
             entry.image = stat->image;
         }
         if (m_swapUsed > 0) readSwap(entry);
+        if (m_options.apps && (isUnnamed || (isAdopted && entry.app.isInherited))) nameApplication(entry);
     }
     entry.isKnown = true;
+    entry.identifiedIn = m_scan;
     return true;
 }
 
@@ -170,7 +184,12 @@ void LinuxProcessTable::describe(Entry& entry, const ProcStat& stat, std::string
     const auto arguments = splitArguments(area);
     const auto joined = joinArguments(arguments);
     std::optional<std::string> executable;
-    if (!joined || !namedByArguments(stat.comm, arguments)) executable = m_proc.executable(entry.pid);
+    const bool asksApp = m_options.apps && !m_options.apps->knowsNone();
+    if (asksApp || !joined || !namedByArguments(stat.comm, arguments)) executable = m_proc.executable(entry.pid);
+    if (asksApp) {
+        entry.executable = withoutDeleted(executable.value_or(""));
+        entry.script = scriptPathOf(arguments);
+    }
 
     ProcessReading& reading = entry.reading;
     reading.name = processName(stat.comm, arguments, executable.value_or(""));
@@ -178,6 +197,34 @@ void LinuxProcessTable::describe(Entry& entry, const ProcStat& stat, std::string
     if (joined) reading.arguments.emplace(*joined);
     reading.path.reset();
     if (executable) reading.path.emplace(repairedUtf8(withoutDeleted(*executable)));
+}
+
+void LinuxProcessTable::nameApplication(Entry& entry) {
+    AppNames& apps = *m_options.apps;
+    entry.appGeneration = apps.generation();
+    entry.app = {};
+    if (!apps.knowsNone()) {
+        const auto group = m_proc.read(entry.pid, "cgroup", m_status);
+        // The walk to the ancestors reads into the same memory.
+        const std::string unit(ControlGroup::unit(ControlGroup::path(group.value_or(""))));
+        const Text command = entry.reading.arguments.value_or(Text());
+        entry.isNaming = true;
+        entry.app = apps.ask({entry.reading.name, entry.executable, entry.script, command.view(), unit},
+                             entry.reading.ppid, [this](Pid pid) { return ancestor(pid); });
+        entry.isNaming = false;
+    }
+    entry.reading.app = entry.app.app;
+}
+
+std::optional<AppNames::Ancestor> LinuxProcessTable::ancestor(Pid pid) {
+    if (pid <= 1) return {};
+    const auto found = m_entries.find(pid);
+    // One that is being named has come round to itself.
+    if (found == m_entries.end() || found->second.isNaming) return {};
+    Entry& entry = found->second;
+    if (entry.identifiedIn != m_scan && !refresh(pid)) return {};
+    if (entry.kind != Kind::process || entry.adopts) return {};
+    return AppNames::Ancestor{entry.executable, entry.reading.ppid, &entry.app};
 }
 
 bool LinuxProcessTable::measure(Entry& entry) {
@@ -203,9 +250,9 @@ bool LinuxProcessTable::measurePlainly(Entry& entry) {
         entry.measuredIn = m_scan;
         return true;
     }
-    entry.reading.ppid = stat->ppid;
     entry.reading.cpuTicks = m_proc.isLive() ? used : stat->cpuNanoseconds(ticksPerSecond());
-    const bool isChanged = entry.kind != Kind::process || stat->comm != entry.comm || stat->image != entry.image;
+    const bool isChanged = entry.kind != Kind::process || stat->ppid != entry.reading.ppid ||
+                           stat->comm != entry.comm || stat->image != entry.image;
     if (stat->residentPages != entry.residentPages) {
         entry.residentPages = stat->residentPages;
         const auto memory = m_proc.read(entry.pid, "statm", m_buffer);

@@ -5,6 +5,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "Platform/Linux/AppNames.h"
 #include "Platform/Linux/ProcFolder.h"
 #include "Platform/Linux/ProcParse.h"
 #include "Platform/Platform.h"
@@ -27,6 +28,8 @@ public:
         std::string root = "/proc";
         /// Memory descriptors kept open at most. The rest is read the plain way.
         std::size_t keptDescriptors = 4096;
+        /// Tells `app`; may be null, and outlives the table.
+        AppNames* apps = nullptr;
     };
 
     /// Raises the process's own limit of open files to what it may have. The clock tells how old a process is and
@@ -55,12 +58,22 @@ private:
         bool isKnown = false;
         std::uint8_t turn = 0;
         std::uint64_t listedIn = 0;
+        std::uint64_t identifiedIn = 0;
         std::uint64_t measuredIn = 0;
 
         ProcessReading reading;
         std::string comm;
         std::uint64_t image = 0;
         std::size_t argumentsHash = 0;
+
+        /// What its application is told by.
+        std::string executable;
+        std::string script;
+        AppNames::Answer app;
+        std::uint64_t appGeneration = 0;
+        bool isNaming = false;
+        /// It took over another's child.
+        bool adopts = false;
 
         Descriptor statm;
         std::uint64_t anonymousPages = 0;
@@ -77,6 +90,8 @@ private:
     /// Who the process is; false if it has gone. By pid, so a measurement has to follow.
     bool identify(Entry& entry);
     void describe(Entry& entry, const ProcStat& stat, std::string_view area);
+    void nameApplication(Entry& entry);
+    std::optional<AppNames::Ancestor> ancestor(Pid pid);
     /// Its clock and memory, once a scan; false if it has gone, or another has taken its pid.
     bool measure(Entry& entry);
     bool measurePlainly(Entry& entry);
