@@ -67,6 +67,8 @@ struct MemoryReading {
     /// Pages written to swap since boot; may wrap.
     std::uint64_t swapOutPages = 0;
     std::uint64_t pageBytes = 0;
+
+    friend bool operator==(const MemoryReading&, const MemoryReading&) = default;
 };
 
 /// Machine-wide figures. Each fails by itself. Same thread as ProcessTable.

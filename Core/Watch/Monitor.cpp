@@ -61,8 +61,8 @@ void Monitor::refresh() {
     m_inFlight = true;
     if (m_platform.defaults.changed()) loadThresholds();
     m_platform.loop.background([this, self = m_self, loop = &m_platform.loop, reading = prepare()]() mutable {
-        loop->post([self, tick = take(std::move(reading))] {
-            if (*self) (*self)->apply(tick);
+        loop->post([self, tick = std::make_shared<Tick>(take(std::move(reading)))] {
+            if (*self) (*self)->apply(std::move(*tick));
         });
     });
 }
@@ -99,7 +99,7 @@ void Monitor::read(Reading& reading) {
 Monitor::Tick Monitor::take(Reading reading) {
     read(reading);
     auto snapshot = std::make_shared<const Snapshot>(diagnosed(reading));
-    return {std::move(snapshot), std::move(reading.host)};
+    return {std::move(snapshot), std::move(reading)};
 }
 
 void Monitor::apply(Tick tick) {
@@ -107,9 +107,14 @@ void Monitor::apply(Tick tick) {
     const bool watches = m_role == Role::watcher;
     if (m_skipped > 0 && watches) m_log.event("skippedTicks", {{"n", m_skipped}});
     m_skipped = 0;
-    m_host = std::move(tick.host);
+    m_host = tick.reading.host;
     m_snapshot = tick.snapshot;
-    const Snapshot& snapshot = *tick.snapshot;
+    if (watches) {
+        tick.reading = {};
+    } else {
+        m_reading = std::move(tick.reading);
+    }
+    const Snapshot& snapshot = *m_snapshot;
     publish(Change::snapshot);
     if (m_trend.use_count() > 1) m_trend = std::make_shared<Trend>(*m_trend);
     m_trend->record(snapshot, m_thresholds);

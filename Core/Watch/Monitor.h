@@ -62,6 +62,8 @@ public:
     const Snapshot& snapshot() const { return *m_snapshot; }
     /// The latest picture, shared: it does not change behind its holder.
     std::shared_ptr<const Snapshot> shared() const { return m_snapshot; }
+    /// What the latest picture was made of, for a capture. Kept by a reader only; absent before its first reading.
+    const std::optional<Reading>& reading() const { return m_reading; }
     /// One hour of samples, oldest first.
     const std::vector<SystemStats>& history() const { return m_history; }
     const Thresholds& thresholds() const { return m_thresholds; }
@@ -121,7 +123,7 @@ private:
     void read(Reading& reading);
     struct Tick {
         std::shared_ptr<const Snapshot> snapshot;
-        Host host;
+        Reading reading;
     };
     Tick take(Reading reading);
     /// Stage C.
@@ -149,6 +151,7 @@ private:
     std::uint64_t m_ramBytes;
 
     std::shared_ptr<const Snapshot> m_snapshot;
+    std::optional<Reading> m_reading;
     std::vector<SystemStats> m_history;
     Thresholds m_thresholds;
     double m_interval = 5.0;

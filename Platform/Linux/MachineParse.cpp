@@ -1,0 +1,85 @@
+#include "Platform/Linux/MachineParse.h"
+
+#include <charconv>
+
+namespace ravik::platform {
+
+namespace {
+
+std::string_view skipBlanks(std::string_view text) {
+    const std::size_t at = text.find_first_not_of(" \t");
+    return at == text.npos ? std::string_view{} : text.substr(at);
+}
+
+/// What stands behind `key` on the line that begins with it.
+std::optional<std::string_view> lineBehind(std::string_view text, std::string_view key) {
+    while (!text.empty()) {
+        const std::size_t feed = text.find('\n');
+        const std::string_view line = text.substr(0, feed);
+        if (line.starts_with(key)) {
+            const std::string_view rest = line.substr(key.size());
+            if (!rest.empty() && (rest.front() == ' ' || rest.front() == ':' || rest.front() == '\t')) {
+                return skipBlanks(rest.front() == ':' ? rest.substr(1) : rest);
+            }
+        }
+        if (feed == text.npos) break;
+        text.remove_prefix(feed + 1);
+    }
+    return {};
+}
+
+}  // namespace
+
+std::optional<std::uint64_t> wholeNumber(std::string_view text) {
+    text = skipBlanks(text);
+    std::uint64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc{} || end == text.data()) return {};
+    return value;
+}
+
+std::optional<std::uint64_t> meminfoBytes(std::string_view meminfo, std::string_view key) {
+    const auto rest = lineBehind(meminfo, key);
+    const auto kilobytes = rest ? wholeNumber(*rest) : std::nullopt;
+    if (!kilobytes) return {};
+    return *kilobytes * 1024;
+}
+
+std::optional<std::uint64_t> vmstatCounter(std::string_view vmstat, std::string_view key) {
+    const auto rest = lineBehind(vmstat, key);
+    return rest ? wholeNumber(*rest) : std::nullopt;
+}
+
+std::optional<std::uint64_t> zramStoreBytes(std::string_view mmStat) {
+    for (int skipped = 0; skipped < 2; ++skipped) {
+        mmStat = skipBlanks(mmStat);
+        const std::size_t blank = mmStat.find_first_of(" \t");
+        if (blank == mmStat.npos) return {};
+        mmStat.remove_prefix(blank);
+    }
+    return wholeNumber(mmStat);
+}
+
+std::optional<std::uint64_t> memoryLimit(std::string_view text) { return wholeNumber(text); }
+
+std::optional<std::vector<std::string>> unifiedGroups(std::string_view cgroup) {
+    while (!cgroup.empty()) {
+        const std::size_t feed = cgroup.find('\n');
+        std::string_view line = cgroup.substr(0, feed);
+        if (line.starts_with("0::/")) {
+            std::string path(line.substr(3));
+            std::vector<std::string> groups;
+            while (path.size() > 1) {
+                groups.push_back(path);
+                path.erase(path.rfind('/'));
+            }
+            groups.emplace_back();
+            return groups;
+        }
+        if (feed == cgroup.npos) break;
+        cgroup.remove_prefix(feed + 1);
+    }
+    return {};
+}
+
+}  // namespace ravik::platform

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What the kernel's files about the machine mean. Pure.
+namespace ravik::platform {
+
+/// The kilobytes of a line of meminfo ("MemAvailable:  123 kB"), as bytes.
+std::optional<std::uint64_t> meminfoBytes(std::string_view meminfo, std::string_view key);
+
+/// A counter of vmstat ("pswpout 123").
+std::optional<std::uint64_t> vmstatCounter(std::string_view vmstat, std::string_view key);
+
+/// What the store of a zram device itself takes up in memory: the third figure of mm_stat.
+std::optional<std::uint64_t> zramStoreBytes(std::string_view mmStat);
+
+/// A memory limit of a control group; absent for "max" and for what is no number.
+std::optional<std::uint64_t> memoryLimit(std::string_view text);
+
+/// The folders from a process's own control group up to the root, longest first: "/a/b", "/a", "". Absent where
+/// there is no unified hierarchy in the file.
+std::optional<std::vector<std::string>> unifiedGroups(std::string_view cgroup);
+
+/// A whole number at the front of a file.
+std::optional<std::uint64_t> wholeNumber(std::string_view text);
+
+}  // namespace ravik::platform

@@ -1,0 +1,82 @@
+#include "Platform/Linux/LinuxMachine.h"
+
+#include <fstream>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "Tests/Fakes/LogFolder.h"
+
+namespace ravik::platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class LinuxMachineTest : public testing::Test {
+protected:
+    void write(const fs::path& path, std::string_view text) const {
+        fs::create_directories((m_folder.path() / path).parent_path());
+        std::ofstream(m_folder.path() / path) << text;
+    }
+    LinuxMachine machine() const { return LinuxMachine({m_folder.path() / "proc", m_folder.path() / "sys"}); }
+
+private:
+    fakes::TemporaryFolder m_folder;
+};
+
+}  // namespace
+
+TEST_F(LinuxMachineTest, ReadsTheRealMachine) {
+    LinuxMachine machine;
+    const auto memory = machine.memory();
+    ASSERT_TRUE(memory);
+    EXPECT_GT(memory->availableBytes, 0u);
+    EXPECT_LE(memory->availableBytes, machine.installedBytes());
+    EXPECT_EQ(memory->pageBytes, static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE)));
+    EXPECT_GT(machine.diskFreeBytes().value(), 0u);
+    EXPECT_GE(machine.loadAverage().value(), 0.0);
+    EXPECT_GE(machine.cpuCount().value(), 1);
+}
+
+TEST_F(LinuxMachineTest, AMissingFileIsAMissingFigure) {
+    LinuxMachine empty = machine();
+    EXPECT_EQ(empty.memory(), std::nullopt);
+    EXPECT_EQ(empty.installedBytes(), 0u);
+    EXPECT_EQ(empty.swapUsedBytes(), std::nullopt);
+    EXPECT_EQ(empty.loadAverage(), std::nullopt);
+    EXPECT_EQ(empty.gpuPercent(), std::nullopt);
+}
+
+TEST_F(LinuxMachineTest, SwapLeavesOutWhatCompressedSwapTakesInMemory) {
+    write("proc/meminfo", "SwapTotal: 1000 kB\nSwapFree: 400 kB\n");
+    EXPECT_EQ(machine().swapUsedBytes(), 600u * 1024);
+    write("sys/block/zram0/mm_stat", "614400 200000 102400 0 102400 0 0 0 0\n");
+    EXPECT_EQ(machine().swapUsedBytes(), 500u * 1024);
+}
+
+TEST_F(LinuxMachineTest, TheSmallestLimitOnTheWayUpIsTheInstalledMemory) {
+    write("proc/meminfo", "MemTotal: 1000000 kB\nMemAvailable: 900000 kB\n");
+    write("proc/vmstat", "pswpout 0\n");
+    write("proc/self/cgroup", "0::/box/inner\n");
+    write("sys/fs/cgroup/box/inner/memory.max", "max\n");
+    write("sys/fs/cgroup/box/memory.max", "104857600\n");
+    write("sys/fs/cgroup/box/memory.current", "4857600\n");
+    EXPECT_EQ(machine().installedBytes(), 104857600u);
+    EXPECT_EQ(machine().memory()->availableBytes, 100000000u);
+}
+
+TEST_F(LinuxMachineTest, TheFirstCardThatTellsItsLoadWins) {
+    write("sys/class/drm/card0/device/vendor", "0x1\n");
+    write("sys/class/drm/card0-HDMI-A-1/status", "connected\n");
+    write("sys/class/drm/card1/device/gpu_busy_percent", "37\n");
+    EXPECT_EQ(machine().gpuPercent(), 37);
+}
+
+TEST_F(LinuxMachineTest, ACardThatSleepsIsNotAsked) {
+    write("sys/class/drm/card0/device/gpu_busy_percent", "37\n");
+    write("sys/class/drm/card0/device/power/runtime_status", "suspended\n");
+    EXPECT_EQ(machine().gpuPercent(), std::nullopt);
+}
+
+}  // namespace ravik::platform

@@ -1,0 +1,51 @@
+#include "Platform/Linux/MachineParse.h"
+
+#include <gtest/gtest.h>
+
+namespace ravik::platform {
+
+namespace {
+
+constexpr std::string_view meminfo =
+    "MemTotal:       24637480 kB\n"
+    "MemFree:        22846632 kB\n"
+    "MemAvailable:   23680412 kB\n"
+    "SwapTotal:             0 kB\n"
+    "SwapFree:              0 kB";  // no newline at the end
+
+}  // namespace
+
+TEST(MachineParse, ReadsKilobytesAsBytes) {
+    EXPECT_EQ(meminfoBytes(meminfo, "MemTotal"), 24637480ull * 1024);
+    EXPECT_EQ(meminfoBytes(meminfo, "MemAvailable"), 23680412ull * 1024);
+    EXPECT_EQ(meminfoBytes(meminfo, "SwapFree"), 0u);
+    EXPECT_EQ(meminfoBytes(meminfo, "Mem"), std::nullopt);
+    EXPECT_EQ(meminfoBytes(meminfo, "Hugepages"), std::nullopt);
+    EXPECT_EQ(meminfoBytes("MemTotal: many kB\n", "MemTotal"), std::nullopt);
+    EXPECT_EQ(meminfoBytes("", "MemTotal"), std::nullopt);
+}
+
+TEST(MachineParse, ReadsACounter) {
+    EXPECT_EQ(vmstatCounter("pswpin 17\npswpout 42\n", "pswpout"), 42u);
+    EXPECT_EQ(vmstatCounter("pswpout_x 42\n", "pswpout"), std::nullopt);
+}
+
+TEST(MachineParse, TheThirdFigureIsWhatAZramStoreTakes) {
+    EXPECT_EQ(zramStoreBytes("  4096   120   81920        0    81920        0        0        0        0\n"), 81920u);
+    EXPECT_EQ(zramStoreBytes("4096 120"), std::nullopt);
+    EXPECT_EQ(zramStoreBytes(""), std::nullopt);
+}
+
+TEST(MachineParse, MaxIsNoLimit) {
+    EXPECT_EQ(memoryLimit("max\n"), std::nullopt);
+    EXPECT_EQ(memoryLimit("536870912\n"), 536870912u);
+}
+
+TEST(MachineParse, WalksUpTheUnifiedHierarchy) {
+    using Groups = std::vector<std::string>;
+    EXPECT_EQ(unifiedGroups("0::/a/b.scope\n"), (Groups{"/a/b.scope", "/a", ""}));
+    EXPECT_EQ(unifiedGroups("12:cpu:/x\n0::/\n"), (Groups{""}));
+    EXPECT_EQ(unifiedGroups("12:cpu:/x\n"), std::nullopt);
+}
+
+}  // namespace ravik::platform
