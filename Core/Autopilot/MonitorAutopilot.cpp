@@ -89,9 +89,9 @@ void Monitor::runEngine(const Snapshot& snapshot, std::optional<std::string> for
 
 void Monitor::releaseWhatIsOver(const Snapshot& snapshot, const std::optional<std::string>& foreground, Time now) {
     const Engine::Conditions conditions = Engine::conditions(snapshot);
+    const bool mayPause = conditions.underPressure && m_platform.workspace.knowsFocus();
     for (const LiveAction& action : m_ledger.open()) {
-        const bool pressed =
-            action.decision.action == Action::pause ? conditions.underPressure : conditions.loaded;
+        const bool pressed = action.decision.action == Action::pause ? mayPause : conditions.loaded;
         if (foreground && *foreground == action.decision.target) {
             release(action, "focused", now);
         } else if (!pressed) {
@@ -170,7 +170,9 @@ void Monitor::watchFocus() {
 
 void Monitor::acceptSuggestion(const Decision& suggestion, Time now) {
     const Decision decision = suggestion;  // it may stand in the list that is about to change
-    if (decision.action != Action::end && !m_ledger.isOpen(decision.target)) {
+    const bool reversible =
+        decision.action == Action::demote || (decision.action == Action::pause && m_platform.workspace.knowsFocus());
+    if (reversible && !m_ledger.isOpen(decision.target)) {
         if (const auto action = m_ledger.carryOut(decision, m_decidedOn, now)) {
             m_log.event("suggestionAccepted", withPids(withGain(decision), action->pids.size()));
         }
