@@ -1,5 +1,7 @@
 #include "Core/Record/LogReader.h"
 
+#include <algorithm>
+
 #include <nlohmann/json.hpp>
 
 #include "Core/Record/ByteSearch.h"
@@ -49,7 +51,9 @@ void forEachLine(const std::filesystem::path& folder, std::span<const std::strin
         for (std::string_view line = lines.next(); line.data(); line = lines.next()) {
             Element parsed;
             if (parser.parse(line.data(), line.size(), false).get(parsed) != simdjson::SUCCESS) continue;
-            if (parsed.is_object()) each(converted(parsed));
+            std::string_view kind;
+            if (!parsed.is_object() || parsed["kind"].get_string().get(kind) != simdjson::SUCCESS) continue;
+            if (std::find(kinds.begin(), kinds.end(), kind) != kinds.end()) each(converted(parsed));
         }
     };
     for (const auto& file : logFiles(folder)) {

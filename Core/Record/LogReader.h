@@ -17,8 +17,8 @@ namespace ravik::LogReader {
 /// Names of log files without the extension; absent for all.
 using Days = std::optional<std::set<std::string>>;
 
-/// Calls `each` with every line, in the order of the days, that is a JSON object and has the bytes of one of `kinds`
-/// anywhere in it: the line's "kind" may still be another. Holds one chunk of the log at a time.
+/// Calls `each` with every line, in the order of the days, that is a JSON object of one of `kinds`. Only lines with the
+/// bytes of a kind somewhere in them are parsed. Holds one chunk of the log at a time.
 void forEachLine(const std::filesystem::path& folder, std::span<const std::string_view> kinds, const Days& days,
                  const std::function<void(const nlohmann::json&)>& each);
 
