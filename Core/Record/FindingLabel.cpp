@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Core/Wording/Fmt.h"
+
 namespace ravik::HistoryStore {
 
 namespace {
@@ -25,9 +27,8 @@ std::string label(std::string_view id, const std::map<std::string, std::string>&
     const auto known = titles.find(std::string(id));
     if (known == titles.end()) return lastPiece(id);
     const std::string_view title = known->second;
-    constexpr std::string_view hidden = "A hidden automation";
-    if (const std::size_t from = title.find(" from "); title.starts_with(hidden) && from != title.npos) {
-        const std::size_t begin = std::min(hidden.size() + 1, from);
+    if (const std::size_t from = title.find(" from "); title.starts_with("A hidden automation") && from != title.npos) {
+        const std::size_t begin = std::min(Fmt::firstScalars(title, 20).size(), from);
         return "Hidden automation " + without(title.substr(begin, from - begin), "automation ");
     }
     for (const std::string_view separator : {" has run", " has been", " has used", " holds", " is "}) {

@@ -38,6 +38,7 @@ TEST(FindingLabel, NamesHiddenAutomationByItsBrowser) {
     EXPECT_EQ(titled("A hidden automation automation Edge from x"), "Hidden automation Edge");
     EXPECT_EQ(titled("A hidden automation browser has run 3 h"), "A hidden automation browser");
     EXPECT_EQ(titled("A hidden automation from x"), "Hidden automation ");
+    EXPECT_EQ(titled("A hidden automation\u00e9b from x"), "Hidden automation b") << "never half a letter";
 }
 
 }  // namespace ravik
