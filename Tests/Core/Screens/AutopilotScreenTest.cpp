@@ -44,7 +44,7 @@ TEST(AutopilotScreen, TheHeroIsTheShareOverAllRules) {
     EXPECT_EQ(hero(record, {}).value, "5%");
     EXPECT_EQ(hero(scored(30, 2), {Action::pause}).line,
               "1 rule on — undoable for 10 minutes from the panel. The rest learn and act on nothing.");
-    EXPECT_EQ(hero(scored(30, 2), {Action::pause, Action::demote}).line.substr(0, 13), "2 rules on —");
+    EXPECT_TRUE(hero(scored(30, 2), {Action::pause, Action::demote}).line.starts_with("2 rules on — "));
 }
 
 TEST(AutopilotScreen, ARuleCanBeTurnedOnOnlyOnceItIsReady) {
