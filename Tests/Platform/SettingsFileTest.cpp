@@ -4,11 +4,14 @@
 #include <fstream>
 #include <random>
 
+#include <sys/wait.h>
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include "Platform/Linux/ReadFile.h"
-#include "Tests/Platform/TempFolder.h"
+#include "Tests/Platform/Support/ChildWork.h"
+#include "Tests/Platform/Support/TemporaryFolder.h"
 
 namespace ravik::platform {
 
@@ -37,8 +40,8 @@ struct SettingsFiles : ::testing::Test {
         return names;
     }
 
-    TempFolder folder;
-    fs::path file = folder / "config/ravik/settings.json";
+    TemporaryFolder folder;
+    fs::path file = folder.path() / "config/ravik/settings.json";
 };
 
 }  // namespace
@@ -147,17 +150,17 @@ TEST_F(SettingsFiles, EmptyFileHasNothingToKeepAside) {
 }
 
 TEST_F(SettingsFiles, LinkStaysALink) {
-    fs::create_directories(folder / "dotfiles");
-    std::ofstream(folder / "dotfiles/ravik.json") << R"({"a": 1})";
+    fs::create_directories(folder.path() / "dotfiles");
+    std::ofstream(folder.path() / "dotfiles/ravik.json") << R"({"a": 1})";
     fs::create_directories(file.parent_path());
-    fs::create_symlink(folder / "dotfiles/ravik.json", file);
+    fs::create_symlink(folder.path() / "dotfiles/ravik.json", file);
     EXPECT_TRUE(SettingsFile(file).set("b", 2));
     EXPECT_TRUE(fs::is_symlink(file));
     EXPECT_EQ(stored(), (json{{"a", 1}, {"b", 2}}));
 }
 
 TEST_F(SettingsFiles, FolderThatCannotBeMadeRefusesTheChange) {
-    std::ofstream(folder / "config") << "a file";
+    std::ofstream(folder.path() / "config") << "a file";
     SettingsFile settings(file);
     EXPECT_FALSE(settings.set("a", 1));
     EXPECT_EQ(settings.get("a"), std::nullopt);
