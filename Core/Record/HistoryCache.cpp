@@ -1,9 +1,11 @@
 #include "Core/Record/HistoryCache.h"
 
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 
 #include <fmt/format.h>
 
@@ -34,9 +36,12 @@ public:
     void text(std::string_view value) {
         bytes += '"';
         for (const char byte : value) {
-            if (byte == '"' || byte == '\\') (bytes += '\\') += byte;
-            else if (static_cast<unsigned char>(byte) < 0x20) fmt::format_to(std::back_inserter(bytes), "\\u{:04x}", byte);
-            else bytes += byte;
+            if (byte == '"' || byte == '\\')
+                (bytes += '\\') += byte;
+            else if (static_cast<unsigned char>(byte) < 0x20)
+                fmt::format_to(std::back_inserter(bytes), "\\u{:04x}", byte);
+            else
+                bytes += byte;
         }
         bytes += '"';
     }
@@ -92,8 +97,10 @@ public:
             m_complete = false;
             return;
         }
-        if (auto read = how(value)) into = std::move(*read);
-        else m_complete = false;
+        if (auto read = how(value))
+            into = std::move(*read);
+        else
+            m_complete = false;
     }
     void take(std::string_view key, std::int64_t& into) { take(key, into, JsonValue::whole); }
     void take(std::string_view key, double& into) { take(key, into, JsonValue::real); }
@@ -253,6 +260,20 @@ std::optional<DayAggregate> read(const std::filesystem::path& file) {
     const std::string bytes{std::istreambuf_iterator<char>(in), {}};
     if (in.bad()) return {};
     return decode(bytes);
+}
+
+void sweep(const std::filesystem::path& folder) {
+    namespace fs = std::filesystem;
+    const auto old = fs::file_time_type::clock::now() - std::chrono::hours(1);
+    std::error_code failed;
+    fs::directory_iterator entry(folder, failed);
+    for (; !failed && entry != fs::directory_iterator(); entry.increment(failed)) {
+        const std::string name = entry->path().filename().string();
+        if (!name.starts_with('.') || name.find(".json.") == std::string::npos) continue;
+        std::error_code gone;
+        const auto written = entry->last_write_time(gone);
+        if (!gone && written < old) fs::remove(entry->path(), gone);
+    }
 }
 
 bool write(const std::filesystem::path& file, const DayAggregate& day) {

@@ -20,4 +20,7 @@ std::optional<DayAggregate> read(const std::filesystem::path& file);
 /// False, and an older file untouched, if it cannot be written.
 bool write(const std::filesystem::path& file, const DayAggregate& day);
 
+/// Removes what a write that was killed an hour or more ago has left in the folder.
+void sweep(const std::filesystem::path& folder);
+
 }  // namespace ravik::HistoryCache

@@ -55,8 +55,8 @@ struct Grown {
     DayAggregate& day;
 };
 
-/// Days do not touch each other, so a first look at weeks of log spreads over a few cores; the usual look, at the end of
-/// one file, stays on its thread.
+/// Days do not touch each other, so a first look at weeks of log spreads over a few cores; the usual look, at the
+/// end of one file, stays on its thread.
 void readAll(const std::vector<Grown>& grown, std::uint64_t bytes) {
     constexpr std::uint64_t worthAThread = 4 << 20;
     std::atomic<std::size_t> next = 0;
@@ -75,7 +75,7 @@ void readAll(const std::vector<Grown>& grown, std::uint64_t bytes) {
     } catch (const std::system_error&) {
         // As many as the system gives.
     }
-    if (!grown.empty()) work();
+    work();
     for (std::thread& helper : helpers) helper.join();
 }
 
@@ -99,7 +99,10 @@ std::vector<DayAggregate> load(const fs::path& logDir, const fs::path& cacheDir,
         grown.push_back({file, cacheFile, day});
         bytes += size - day.offset;
     }
-    readAll(grown, bytes);
+    if (!grown.empty()) {
+        HistoryCache::sweep(cacheDir);
+        readAll(grown, bytes);
+    }
     return days;
 }
 

@@ -142,7 +142,11 @@ TEST_F(HistoryStoreTest, ACacheOfAnotherFormatIsReplacedFromTheStart) {
 TEST_F(HistoryStoreTest, ACacheOfAnotherFormatStaysWhereTheLogIsEmpty) {
     folder.append("");
     LogFolder::put(folder.cacheFile(), R"({"format":2})");
-    EXPECT_EQ(only(), [] { DayAggregate day; day.day = "2026-03-01"; return day; }());
+    EXPECT_EQ(only(), [] {
+        DayAggregate day;
+        day.day = "2026-03-01";
+        return day;
+    }());
     EXPECT_EQ(LogFolder::get(folder.cacheFile()), R"({"format":2})");
 }
 
@@ -203,6 +207,21 @@ TEST_F(HistoryStoreTest, NoTemporaryFileStaysBehind) {
     EXPECT_EQ(count, 1u);
 }
 
+TEST_F(HistoryStoreTest, WhatAKilledWriteLeftIsSweptAfterAnHour) {
+    const auto stale = folder.cache / ".2026-03-01.json.AbCdEf";
+    const auto young = folder.cache / ".2026-03-01.json.GhIjKl";
+    const auto other = folder.cache / "notes";
+    for (const auto& file : {stale, young, other}) LogFolder::put(file, "half");
+    const auto twoHoursAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(2);
+    std::filesystem::last_write_time(stale, twoHoursAgo);
+    std::filesystem::last_write_time(other, twoHoursAgo);
+    folder.append(tick(1));
+    only();
+    EXPECT_FALSE(std::filesystem::exists(stale));
+    EXPECT_TRUE(std::filesystem::exists(young));
+    EXPECT_TRUE(std::filesystem::exists(other));
+}
+
 TEST_F(HistoryStoreTest, TheMemoGoesBeforeTheCacheWithoutATestOfItsFormat) {
     folder.append(tick(1));
     DayAggregate day = only();
@@ -234,7 +253,8 @@ TEST_F(HistoryStoreTest, AnUnreadableFileChangesNothing) {
 }
 
 TEST_F(HistoryStoreTest, TheCacheHoldsDatesAsSecondsSince2001) {
-    folder.append(tick(1) + R"({"kind":"kill","group":"node","t":"2026-03-01T09:30:15Z"})" "\n");
+    folder.append(tick(1) + R"({"kind":"kill","group":"node","t":"2026-03-01T09:30:15Z"})"
+                            "\n");
     only();
     const std::string cached = LogFolder::get(folder.cacheFile());
     // 2001-01-01T00:00:00Z is 978307200 seconds after 1970.
@@ -246,10 +266,11 @@ TEST_F(HistoryStoreTest, TheCacheHoldsDatesAsSecondsSince2001) {
 TEST_F(HistoryStoreTest, ACacheWrittenByAnotherEncoderIsTaken) {
     folder.append(tick(1));
     const auto size = std::to_string(tick(1).size());
-    LogFolder::put(folder.cacheFile(), R"({"titles":{"x":"y"},"events":[{"survivors":1,"mb":2,"ids":["a"],"what":"w","at":0.5}],
+    LogFolder::put(folder.cacheFile(),
+                   R"({"titles":{"x":"y"},"events":[{"survivors":1,"mb":2,"ids":["a"],"what":"w","at":0.5}],
         "hours":{"492321":{"causes":["b","a"],"apps":{"z":1,"c":2},"reclaimMB":3,"loadMax":1.5,"memFreeMin":9,
-        "swapMax":2,"swapSum":2.0,"samples":4.0,"start":794048400}},"offset":)" + size +
-                                               R"(,"day":"2026-03-01","format":1,"extra":null})");
+        "swapMax":2,"swapSum":2.0,"samples":4.0,"start":794048400}},"offset":)" +
+                       size + R"(,"day":"2026-03-01","format":1,"extra":null})");
     const DayAggregate day = only();
     EXPECT_EQ(day.titles, (Titles{{"x", "y"}}));
     ASSERT_EQ(day.events.size(), 1u);
