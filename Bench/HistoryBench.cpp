@@ -58,8 +58,8 @@ private:
     }
 
     std::string tickLines(const std::string& t, int n) {
-        const char* const apps[] = {"Google Chrome", "Visual Studio Code", "Claude Code", "node: server.js", "Slack",
-                                    "Docker", "Spotify"};
+        const char* const apps[] = {
+            "Google Chrome", "Visual Studio Code", "Claude Code", "node: server.js", "Slack", "Docker", "Spotify"};
         std::string top;
         for (int rank = 0; rank < 5; ++rank) {
             const int app = (rank + (n % 40 == 0)) % 7;
@@ -69,13 +69,16 @@ private:
             R"({{"breaches":[],"diskFreeGB":{},"gpu":{},"hogs":0,"kind":"tick","load":{},"memFreePct":{},"orphans":2,)"
             R"("procs":{},"session":"0A1B2C3D","sessions":1,"swapGB":{},"swapOutMBps":{},"t":"{}","top":[{}]}})"
             "\n",
-            between(80, 90), n % 100, std::round(between(0, 9) * 100) / 100, n % 60 + 10, n % 30 + 500, between(0, 12), between(0, 1), t, top);
+            between(80, 90), n % 100, std::round(between(0, 9) * 100) / 100, n % 60 + 10, n % 30 + 500, between(0, 12),
+            between(0, 1), t, top);
         lines += fmt::format(
             R"({{"findings":["leftovers","orphan:{}","holder:Google Chrome"],"kind":"diagnosis","reclaimableMB":{},)"
             R"("session":"0A1B2C3D","t":"{}"}})"
             "\n",
             n / 4000, n % 3000, t);
-        lines += fmt::format(R"({{"cpu":{},"kind":"self","mb":41,"session":"0A1B2C3D","t":"{}"}})" "\n", between(0, 2), t);
+        lines += fmt::format(R"({{"cpu":{},"kind":"self","mb":41,"session":"0A1B2C3D","t":"{}"}})"
+                             "\n",
+                             between(0, 2), t);
         return lines;
     }
 };
@@ -136,14 +139,14 @@ void history(benchmark::State& state) {
     double cold = 1e9, warm = 1e9, memo = 1e9, grep = 1e9, jq = 1e9;
     for ([[maybe_unused]] auto _ : state) {
         for (int round = 0; round < rounds; ++round) {
-            grep = std::min(grep, seconds([&] { run("LC_ALL=C grep -c '\"kind\":\"tick\"' " + folder.string() + "/*"); }));
+            grep =
+                std::min(grep, seconds([&] { run("LC_ALL=C grep -c '\"kind\":\"tick\"' " + folder.string() + "/*"); }));
             fs::remove_all(cache);
             cold = std::min(cold, seconds(load));
             warm = std::min(warm, seconds(load));
         }
-        jq = seconds([&] {
-            run("jq -c 'select(.kind == \"tick\") | [.t, .swapGB, .memFreePct, .load, .top]' " + first);
-        });
+        jq = seconds(
+            [&] { run("jq -c 'select(.kind == \"tick\") | [.t, .swapGB, .memFreePct, .load, .top]' " + first); });
         HistoryMemo known;
         for (auto& day : HistoryStore::load(folder, cache)) known.emplace(day.day, day);
         memo = seconds([&] { benchmark::DoNotOptimize(HistoryStore::load(folder, cache, std::move(known))); });

@@ -54,12 +54,9 @@ Json object(const ShadowRecord& record, const AutopilotScreen::Approved& approve
     Json worst = Json::array();
     for (const auto& [target, count] : record.mostRegretted) worst.push_back(Json::array({target, count}));
     const auto hero = AutopilotScreen::hero(record, approved);
-    return {{"rules", std::move(rules)},
-            {"entries", std::move(entries)},
-            {"since", orNull(record.since)},
-            {"until", orNull(record.until)},
-            {"mostRegretted", std::move(worst)},
-            {"hero", {{"value", hero.value}, {"line", hero.line}}}};
+    return {{"rules", std::move(rules)},         {"entries", std::move(entries)},
+            {"since", orNull(record.since)},     {"until", orNull(record.until)},
+            {"mostRegretted", std::move(worst)}, {"hero", {{"value", hero.value}, {"line", hero.line}}}};
 }
 
 std::string text(const ShadowRecord& record, const AutopilotScreen::Approved& approved, bool knowsFocus) {

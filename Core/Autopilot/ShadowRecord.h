@@ -17,8 +17,8 @@
 
 namespace ravik {
 
-/// What the log knows of the Autopilot's choices: how often each rule was right, and whether it may be turned on. Rebuilt from
-/// the log whenever it is needed; nothing else stores it.
+/// What the log knows of the Autopilot's choices: how often each rule was right, and whether it may be turned on.
+/// Rebuilt from the log whenever it is needed; nothing else stores it.
 struct ShadowRecord {
     struct Rule {
         Decision::Action action = Decision::Action::demote;
@@ -73,7 +73,8 @@ struct ShadowRecord {
                                                            "suggestionDismissed"};
 
     /// demote, pause, end.
-    std::array<Rule, 3> rules{Rule{Decision::Action::demote}, Rule{Decision::Action::pause}, Rule{Decision::Action::end}};
+    std::array<Rule, 3> rules{Rule{Decision::Action::demote}, Rule{Decision::Action::pause},
+                              Rule{Decision::Action::end}};
     /// In the order of the log.
     std::vector<Entry> entries;
     std::optional<Time> since;

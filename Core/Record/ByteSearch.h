@@ -7,8 +7,8 @@
 
 namespace ravik {
 
-/// Finds the lines of a block that hold one of a few words, touching the bytes in between only to search them. Each word is
-/// searched for once over the whole block.
+/// Finds the lines of a block that hold one of a few words, touching the bytes in between only to search them. Each
+/// word is searched for once over the whole block.
 class WordLines {
 public:
     WordLines(std::string_view block, std::span<const std::string_view> words);

@@ -14,9 +14,11 @@ namespace {
 using Json = nlohmann::json;
 
 Json bucketJson(const HourBucket& bucket) {
-    return {{"start", bucket.start},           {"samples", bucket.samples},     {"swapSum", bucket.swapSum},
-            {"swapMax", bucket.swapMax},       {"memFreeMin", bucket.memFreeMin}, {"loadMax", bucket.loadMax},
-            {"reclaimMB", bucket.reclaimMB},   {"apps", bucket.apps},           {"causes", bucket.causes}};
+    return {{"start", bucket.start},           {"samples", bucket.samples},
+            {"swapSum", bucket.swapSum},       {"swapMax", bucket.swapMax},
+            {"memFreeMin", bucket.memFreeMin}, {"loadMax", bucket.loadMax},
+            {"reclaimMB", bucket.reclaimMB},   {"apps", bucket.apps},
+            {"causes", bucket.causes}};
 }
 
 template <typename Item, typename Convert>
@@ -37,8 +39,9 @@ Json dayJson(const DayAggregate& day) {
 }
 
 Json laneJson(const HistoryData::Lane& lane) {
-    return {{"id", lane.id},       {"cause", lane.cause}, {"label", lane.label},
-            {"start", lane.start}, {"end", lane.end},     {"endedBy", lane.endedBy ? eventJson(*lane.endedBy) : Json()}};
+    return {{"id", lane.id},       {"cause", lane.cause},
+            {"label", lane.label}, {"start", lane.start},
+            {"end", lane.end},     {"endedBy", lane.endedBy ? eventJson(*lane.endedBy) : Json()}};
 }
 
 Json dropJson(const std::optional<HistoryData::Drop>& drop) {
@@ -55,15 +58,16 @@ Json headlineJson(const HistoryScreen::Headline& headline) {
 
 std::string padded(std::string_view left, std::size_t width) {
     // Sentences hold letters of two and three bytes; only scalars take a column.
-    const auto columns = static_cast<std::size_t>(
-        std::count_if(left.begin(), left.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
+    const auto columns = static_cast<std::size_t>(std::count_if(
+        left.begin(), left.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
     return std::string(left) + std::string(columns < width ? width - columns : 0, ' ');
 }
 
 }  // namespace
 
 Json eventJson(const HistoryEvent& event) {
-    return {{"at", event.at}, {"what", event.what}, {"ids", event.ids}, {"mb", event.mb}, {"survivors", event.survivors}};
+    return {
+        {"at", event.at}, {"what", event.what}, {"ids", event.ids}, {"mb", event.mb}, {"survivors", event.survivors}};
 }
 
 Json object(const std::vector<DayAggregate>& days, const Query& query) {
@@ -73,9 +77,10 @@ Json object(const std::vector<DayAggregate>& days, const Query& query) {
     const auto events = HistoryScreen::events(data, range);
     const auto week = WeekProof::line(days, query.now.value_or(query.clock));
     return {{"days", arrayOf(days, dayJson)},
-            {"data", {{"hours", arrayOf(data.hours, bucketJson)},
-                      {"events", arrayOf(data.events, eventJson)},
-                      {"titles", data.titles}}},
+            {"data",
+             {{"hours", arrayOf(data.hours, bucketJson)},
+              {"events", arrayOf(data.events, eventJson)},
+              {"titles", data.titles}}},
             {"range", range ? Json{{"start", range->start}, {"end", range->end}} : Json()},
             {"lanes", arrayOf(range ? data.lanes(*range) : std::vector<HistoryData::Lane>(), laneJson)},
             {"biggestDrop", dropJson(range ? data.biggestDrop(*range) : std::nullopt)},
@@ -113,7 +118,8 @@ std::string text(const std::vector<DayAggregate>& days, const Query& query, cons
     out += fmt::format("\n{}\n", HistoryScreen::eventsTitle);
     if (events.empty()) out += fmt::format("  {}\n", HistoryScreen::noEvents);
     for (const auto& row : HistoryScreen::eventRows(events)) {
-        out += fmt::format("  {}  {}{}, {}\n", row.time, row.what, row.amount.empty() ? "" : ", " + row.amount, row.outcome);
+        out += fmt::format("  {}  {}{}, {}\n", row.time, row.what, row.amount.empty() ? "" : ", " + row.amount,
+                           row.outcome);
     }
     if (const auto week = WeekProof::line(days, query.now.value_or(query.clock))) out += "\n" + *week + "\n";
     return out;

@@ -7,8 +7,8 @@
 
 #include <simdjson.h>
 
-/// Typed reads of what is found in a file: the type asked for, or absent. A whole number may be asked for as a real one; 3.0
-/// is a whole number, 3.5 is none, and a boolean is no number at all.
+/// Typed reads of what is found in a file: the type asked for, or absent. A whole number may be asked for as a real
+/// one; 3.0 is a whole number, 3.5 is none, and a boolean is no number at all.
 namespace ravik::JsonValue {
 
 using Element = simdjson::dom::element;

@@ -5,8 +5,9 @@ namespace ravik {
 namespace {
 
 constexpr std::array<std::string_view, static_cast<std::size_t>(Field::count)> names{
-    "cancelled", "ended", "finding", "findings", "gainMB", "group", "id", "kind", "load", "memFreePct", "mb",
-    "needsConfirmation", "quit", "reclaimableMB", "refused", "swapGB", "survivors", "t", "top", "title"};
+    "cancelled",  "ended", "finding",           "findings", "gainMB",        "group",   "id",     "kind",      "load",
+    "memFreePct", "mb",    "needsConfirmation", "quit",     "reclaimableMB", "refused", "swapGB", "survivors", "t",
+    "top",        "title"};
 
 /// No two names share both their length and their first letter, which leaves one to compare.
 constexpr std::size_t longest = 17;

@@ -11,8 +11,27 @@ namespace ravik {
 
 /// The fields of log lines that the history counts, whatever the kind.
 enum class Field : std::uint8_t {
-    cancelled, ended, finding, findings, gainMB, group, id, kind, load, memFreePct, mb, needsConfirmation, quit,
-    reclaimableMB, refused, swapGB, survivors, t, top, title, count
+    cancelled,
+    ended,
+    finding,
+    findings,
+    gainMB,
+    group,
+    id,
+    kind,
+    load,
+    memFreePct,
+    mb,
+    needsConfirmation,
+    quit,
+    reclaimableMB,
+    refused,
+    swapGB,
+    survivors,
+    t,
+    top,
+    title,
+    count
 };
 
 /// One parsed line, each field read with a test of its type. Of two fields of one name the last counts. Views into the

@@ -30,7 +30,8 @@ std::optional<std::int64_t> whole(const nlohmann::json& line, std::string_view k
         if (number != std::trunc(number) || number < -0x1p63 || number >= 0x1p63) return {};
         return static_cast<std::int64_t>(number);
     }
-    if (value->is_number_unsigned() && value->get<std::uint64_t>() > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) {
+    if (value->is_number_unsigned() &&
+        value->get<std::uint64_t>() > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) {
         return {};
     }
     return value->get<std::int64_t>();

@@ -7,8 +7,8 @@
 
 #include <nlohmann/json_fwd.hpp>
 
-/// Typed reads of a line that LogReader has handed out: the type asked for, or absent. 3.0 is a whole number, 3.5 is none, and
-/// a boolean is no number at all.
+/// Typed reads of a line that LogReader has handed out: the type asked for, or absent. 3.0 is a whole number, 3.5
+/// is none, and a boolean is no number at all.
 namespace ravik::LineValue {
 
 std::optional<std::string> text(const nlohmann::json& line, std::string_view key);

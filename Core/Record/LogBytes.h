@@ -8,8 +8,9 @@
 
 namespace ravik {
 
-/// Reads a log file in chunks and hands out whole lines only, while its writer goes on appending. Holds one chunk and the
-/// line that is being read; a line longer than a chunk is held whole. One object may read many files in turn.
+/// Reads a log file in chunks and hands out whole lines only, while its writer goes on appending. Holds one chunk
+/// and the line that is being read; a line longer than a chunk is held whole. One object may read many files in
+/// turn.
 class LogBytes {
 public:
     static constexpr std::size_t chunkBytes = 1 << 20;

@@ -11,7 +11,8 @@
 
 #include <nlohmann/json_fwd.hpp>
 
-/// Log lines of a few kinds, cheaply out of many. Never fails: what cannot be read or parsed is passed over. Any thread.
+/// Log lines of a few kinds, cheaply out of many. Never fails: what cannot be read or parsed is passed over. Any
+/// thread.
 namespace ravik::LogReader {
 
 /// Names of log files without the extension; absent for all.

@@ -19,8 +19,9 @@ namespace ravik::Usage {
 
 namespace {
 
-constexpr std::array<std::string_view, 12> findingKinds{"leftovers", "automation", "db",       "orphan", "hog",  "vm",
-                                                        "browser",   "holder",     "sessions", "thrash", "disk", "indexing"};
+constexpr std::array<std::string_view, 12> findingKinds{"leftovers", "automation", "db",      "orphan",
+                                                        "hog",       "vm",         "browser", "holder",
+                                                        "sessions",  "thrash",     "disk",    "indexing"};
 
 using Counts = std::map<std::string, std::int64_t>;
 
@@ -30,15 +31,24 @@ public:
         if (!line.is_object()) return;
         const auto kind = LineValue::text(line, "kind");
         if (!kind) return;
-        if (*kind == "tick") tick(line);
-        else if (*kind == "finding") ++m_findings[kindOf(line, "id")];
-        else if (*kind == "remedy") remedy(line);
-        else if (*kind == "fixAll") ++m_counts[LineValue::boolean(line, "cancelled") == true ? "freeCancelled" : "free"];
-        else if (*kind == "window") open(line);
-        else if (*kind == "notifications") m_alertsAllowed = !LineValue::boolean(line, "denied").value_or(false);
-        else if (*kind == "shadowDecision") shadow(line, "decided");
-        else if (*kind == "shadowOutcome") shadow(line, isRegret(line) ? "regret" : "held");
-        else ++m_counts[*kind];
+        if (*kind == "tick")
+            tick(line);
+        else if (*kind == "finding")
+            ++m_findings[kindOf(line, "id")];
+        else if (*kind == "remedy")
+            remedy(line);
+        else if (*kind == "fixAll")
+            ++m_counts[LineValue::boolean(line, "cancelled") == true ? "freeCancelled" : "free"];
+        else if (*kind == "window")
+            open(line);
+        else if (*kind == "notifications")
+            m_alertsAllowed = !LineValue::boolean(line, "denied").value_or(false);
+        else if (*kind == "shadowDecision")
+            shadow(line, "decided");
+        else if (*kind == "shadowOutcome")
+            shadow(line, isRegret(line) ? "regret" : "held");
+        else
+            ++m_counts[*kind];
     }
 
     nlohmann::json report(std::string_view day, const About& about) const {

@@ -11,18 +11,33 @@
 
 #include <nlohmann/json_fwd.hpp>
 
-/// The opt-in daily report: counts only, never a name, a path, a command line or a text from the log. Here it is made; nothing
-/// here sends. Pure but for the functions that take a folder; any thread.
+/// The opt-in daily report: counts only, never a name, a path, a command line or a text from the log. Here it is
+/// made; nothing here sends. Pure but for the functions that take a folder; any thread.
 namespace ravik::Usage {
 
 /// Stands for the id while sharing is off.
 inline constexpr std::string_view noID = "made when you switch this on";
 
 /// The kinds of log lines that a report counts.
-inline constexpr std::array<std::string_view, 19> kinds{
-    "tick", "finding", "remedy", "fixAll", "window", "notifications", "shadowDecision", "shadowOutcome", "launch", "notify",
-    "notificationAction", "panel", "feedback", "crash", "hang", "suggestionShown", "suggestionAccepted",
-    "suggestionDismissed", "autopilotAction"};
+inline constexpr std::array<std::string_view, 19> kinds{"tick",
+                                                        "finding",
+                                                        "remedy",
+                                                        "fixAll",
+                                                        "window",
+                                                        "notifications",
+                                                        "shadowDecision",
+                                                        "shadowOutcome",
+                                                        "launch",
+                                                        "notify",
+                                                        "notificationAction",
+                                                        "panel",
+                                                        "feedback",
+                                                        "crash",
+                                                        "hang",
+                                                        "suggestionShown",
+                                                        "suggestionAccepted",
+                                                        "suggestionDismissed",
+                                                        "autopilotAction"};
 
 /// A finding's kind, as far as the report may name it; anything else is "other".
 std::string_view findingKind(std::string_view id);
@@ -49,7 +64,8 @@ std::optional<std::string> refusal(const std::filesystem::path& logFolder, const
 /// Today's report so far as indented JSON, with noID where `about.id` is empty.
 std::string preview(const std::filesystem::path& logFolder, const std::string& today, About about);
 
-/// "debian 12" out of the text of an os-release file; the name alone where there is no version; empty where there is none.
+/// "debian 12" out of the text of an os-release file; the name alone where there is no version; empty where there
+/// is none.
 std::string osName(std::string_view osRelease);
 
 /// The value is a date "yyyy-MM-dd" of the calendar.

@@ -79,10 +79,13 @@ std::vector<RuleRow> ruleRows(const ShadowRecord& record, const Approved& approv
     for (const ShadowRecord::Rule& rule : record.rules) {
         const auto standing = record.standing(rule);
         const bool possible = rule.action != Action::end && (rule.action != Action::pause || knowsFocus);
-        RuleRow row{rule.action, std::string(name(rule.action)), approved.contains(rule.action), false, status(standing)};
+        RuleRow row{rule.action, std::string(name(rule.action)), approved.contains(rule.action), false,
+                    status(standing)};
         row.isEnabled = row.isOn || (possible && isReady(standing));
-        if (row.isOn) row.caption = "On — undoable for 10 minutes";
-        else if (rule.action == Action::end) row.caption = "Stays a suggestion: ending cannot be undone";
+        if (row.isOn)
+            row.caption = "On — undoable for 10 minutes";
+        else if (rule.action == Action::end)
+            row.caption = "Stays a suggestion: ending cannot be undone";
         rows.push_back(std::move(row));
     }
     return rows;
@@ -91,20 +94,21 @@ std::vector<RuleRow> ruleRows(const ShadowRecord& record, const Approved& approv
 const std::vector<std::pair<std::string, std::string>>& infoSections() {
     static const std::vector<std::pair<std::string, std::string>> sections{
         {"Learning — not acting yet (shadow mode)",
-         "Every few seconds it decides what it would do, and does nothing. An hour later it checks whether that choice would "
-         "have been wrong."},
+         "Every few seconds it decides what it would do, and does nothing. An hour later it checks whether "
+         "that choice would have been wrong."},
         {"Would have been wrong (a regret)",
-         "You came back to an app it would have paused, or a process it would have slowed woke up to work. Each choice is "
-         "scored 60 minutes after it is made."},
+         "You came back to an app it would have paused, or a process it would have slowed woke up to work. "
+         "Each choice is scored 60 minutes after it is made."},
         {"The 5% line (the gate)",
-         "A rule can be turned on only after at least 30 scored choices over a full week, wrong less than 5% of the time, "
-         "and only once you approve it."},
+         "A rule can be turned on only after at least 30 scored choices over a full week, wrong less than 5% "
+         "of the time, and only once you approve it."},
         {"Autopilot would… (suggest mode)",
-         "The panel offers what it would do, as two buttons. Do it acts now, undoable for ten minutes. Not this counts as a "
-         "wrong call and hides that one for a day. Your answers are the evidence a rule is judged on."},
+         "The panel offers what it would do, as two buttons. Do it acts now, undoable for ten minutes. Not "
+         "this counts as a wrong call and hides that one for a day. Your answers are the evidence a rule is "
+         "judged on."},
         {"End leftovers automatically",
-         "The one rule that works today. It ends only programs from ended AI sessions that pass the safety check, and logs "
-         "every one."}};
+         "The one rule that works today. It ends only programs from ended AI sessions that pass the safety "
+         "check, and logs every one."}};
     return sections;
 }
 
@@ -119,7 +123,8 @@ std::vector<std::string> acceptedLines(const ShadowRecord& record) {
 std::vector<EntryRow> entryRows(const ShadowRecord& record, std::size_t most) {
     std::vector<EntryRow> rows;
     for (auto at = record.entries.rbegin(); at != record.entries.rend() && rows.size() < most; ++at) {
-        rows.push_back({AppInfo::dayMinute(at->at), std::string(word(at->action)), at->target, at->reason, verdict(*at)});
+        rows.push_back(
+            {AppInfo::dayMinute(at->at), std::string(word(at->action)), at->target, at->reason, verdict(*at)});
     }
     return rows;
 }

@@ -48,7 +48,8 @@ std::vector<LaneRow> laneRows(std::vector<HistoryData::Lane> lanes, const Host& 
 }
 
 std::string laneSentence(std::span<const LaneRow> rows) {
-    const auto ended = std::count_if(rows.begin(), rows.end(), [](const LaneRow& row) { return row.lane.endedBy.has_value(); });
+    const auto ended =
+        std::count_if(rows.begin(), rows.end(), [](const LaneRow& row) { return row.lane.endedBy.has_value(); });
     std::string sentence = fmt::format("{}, {} ended by Ravik. ", Fmt::plural(rows.size(), "leftover"), ended);
     for (const LaneRow& row : rows) {
         if (&row != &rows.front()) sentence += ", ";

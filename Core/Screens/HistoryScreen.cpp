@@ -135,7 +135,8 @@ std::string appTitle(Hours hours, std::string_view app) {
 Time hourAt(Time pointer) { return std::floor(pointer / hourSeconds) * hourSeconds; }
 
 std::vector<std::string> hourCard(const HourBucket& bucket) {
-    std::vector<std::string> lines{LocalDate::hour(bucket.start), fmt::format("{:.1f} GB on disk", bucket.swapAverage())};
+    std::vector<std::string> lines{LocalDate::hour(bucket.start),
+                                   fmt::format("{:.1f} GB on disk", bucket.swapAverage())};
     for (const auto& [app, mb] : largest(bucket.apps)) lines.push_back(fmt::format("{} {}", app, gb(mb)));
     return lines;
 }

@@ -11,8 +11,8 @@
 #include "Core/Host/Host.h"
 #include "Core/Record/HistoryData.h"
 
-/// What the History screen says of its data, as plain records and pure functions. Sizes are gigabytes of 2^30 bytes where a
-/// name does not say megabytes. Any thread.
+/// What the History screen says of its data, as plain records and pure functions. Sizes are gigabytes of 2^30 bytes
+/// where a name does not say megabytes. Any thread.
 namespace ravik::HistoryScreen {
 
 enum class Span { day, week };

@@ -27,17 +27,20 @@ TEST(ShadowJson, AnEmptyLogHasThreeRulesThatNeedData) {
     EXPECT_EQ(result["since"], nullptr);
     EXPECT_EQ(result["until"], nullptr);
     EXPECT_EQ(result["mostRegretted"], json::array());
-    EXPECT_EQ(result["hero"], json::parse(
-        R"({"value":"—","line":"Learning — not acting yet. A rule can turn on once it stays under 5%."})"));
+    EXPECT_EQ(
+        result["hero"],
+        json::parse(R"({"value":"—","line":"Learning — not acting yet. A rule can turn on once it stays under 5%."})"));
 }
 
 TEST(ShadowJson, HoldsWhatTheLogSays) {
     const LogFolder folder;
-    folder.append(R"({"kind":"shadowDecision","t":"2026-03-01T09:30:15Z","action":"pause","target":"Slack","reason":"idle","gainMB":5})"
-                  "\n"
-                  R"({"kind":"shadowOutcome","t":"2026-03-01T10:30:15Z","action":"pause","target":"Slack","outcome":"regret:woke","afterMin":60})"
-                  "\n"
-                  R"({"kind":"shadowDecision","t":"2026-03-01T11:30:15Z","action":"demote","target":"node"})" "\n");
+    folder.append(
+        R"({"kind":"shadowDecision","t":"2026-03-01T09:30:15Z","action":"pause","target":"Slack","reason":"idle","gainMB":5})"
+        "\n"
+        R"({"kind":"shadowOutcome","t":"2026-03-01T10:30:15Z","action":"pause","target":"Slack","outcome":"regret:woke","afterMin":60})"
+        "\n"
+        R"({"kind":"shadowDecision","t":"2026-03-01T11:30:15Z","action":"demote","target":"node"})"
+        "\n");
     const json result = ShadowJson::object(recordOf(folder), {Decision::Action::pause});
     EXPECT_EQ(result["entries"], json::parse(R"([
         {"id":0,"at":1772357415.0,"action":"pause","target":"Slack","reason":"idle","gainMB":5,"outcome":"regret:woke","afterMin":60},

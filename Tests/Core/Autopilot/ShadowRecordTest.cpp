@@ -14,9 +14,13 @@ constexpr Time first = 1772357415;  // 2026-03-01T09:30:15Z
 struct ShadowRecordTest : testing::Test {
     std::vector<nlohmann::json> lines;
 
-    nlohmann::json& add(const std::string& kind, const std::string& action, const std::string& target, Time at = first) {
-        return lines.emplace_back(nlohmann::json{
-            {"kind", kind}, {"action", action}, {"target", target}, {"t", Iso8601::format(at)}, {"session", "0A1B2C3D"}});
+    nlohmann::json& add(const std::string& kind, const std::string& action, const std::string& target,
+                        Time at = first) {
+        return lines.emplace_back(nlohmann::json{{"kind", kind},
+                                                 {"action", action},
+                                                 {"target", target},
+                                                 {"t", Iso8601::format(at)},
+                                                 {"session", "0A1B2C3D"}});
     }
     void outcomes(int count, const std::string& outcome, const std::string& action = "pause", Time at = first) {
         for (int n = 0; n < count; ++n) add("shadowOutcome", action, "Slack", at)["outcome"] = outcome;
@@ -53,10 +57,11 @@ TEST_F(ShadowRecordTest, AnOutcomeFillsInItsDecision) {
     add("shadowDecision", "demote", "Slack", first + 10);
     const ShadowRecord record = build();
     ASSERT_EQ(record.entries.size(), 2u);
-    EXPECT_EQ(record.entries[0], (ShadowRecord::Entry{0, first, Decision::Action::pause, "Slack",
-                                                      "idle 40 min, not focused, memory under pressure", 512, "held", 60}));
-    EXPECT_EQ(record.entries[1],
-              (ShadowRecord::Entry{1, first + 10, Decision::Action::demote, "Slack", "", 0, std::nullopt, std::nullopt}));
+    EXPECT_EQ(record.entries[0],
+              (ShadowRecord::Entry{0, first, Decision::Action::pause, "Slack",
+                                   "idle 40 min, not focused, memory under pressure", 512, "held", 60}));
+    EXPECT_EQ(record.entries[1], (ShadowRecord::Entry{1, first + 10, Decision::Action::demote, "Slack", "", 0,
+                                                      std::nullopt, std::nullopt}));
     EXPECT_EQ(record.rules[1], (ShadowRecord::Rule{Decision::Action::pause, 1, 1, 0, 0, 0}));
     EXPECT_EQ(record.since, first);
     EXPECT_EQ(record.until, first + 3600);

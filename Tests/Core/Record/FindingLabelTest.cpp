@@ -34,7 +34,8 @@ TEST(FindingLabel, TriesTheSeparatorsInTheirOrder) {
 }
 
 TEST(FindingLabel, NamesHiddenAutomationByItsBrowser) {
-    EXPECT_EQ(titled("A hidden automation Google Chrome from playwright has run 3 h"), "Hidden automation Google Chrome");
+    EXPECT_EQ(titled("A hidden automation Google Chrome from playwright has run 3 h"),
+              "Hidden automation Google Chrome");
     EXPECT_EQ(titled("A hidden automation automation Edge from x"), "Hidden automation Edge");
     EXPECT_EQ(titled("A hidden automation browser has run 3 h"), "A hidden automation browser");
     EXPECT_EQ(titled("A hidden automation from x"), "Hidden automation ");

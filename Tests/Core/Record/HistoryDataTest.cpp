@@ -50,17 +50,37 @@ TEST_F(HistoryDataTest, NothingComesOfNothing) {
 
 TEST_F(HistoryDataTest, AnHourThatTwoFilesShareIsJoined) {
     HourBucket& first = bucket(10);
-    first = {.start = ten, .samples = 2, .swapSum = 3, .swapMax = 2, .memFreeMin = 40, .loadMax = 5, .reclaimMB = 10,
-             .apps = {{"a", 1}, {"b", 9}}, .causes = {"x"}};
+    first = {.start = ten,
+             .samples = 2,
+             .swapSum = 3,
+             .swapMax = 2,
+             .memFreeMin = 40,
+             .loadMax = 5,
+             .reclaimMB = 10,
+             .apps = {{"a", 1}, {"b", 9}},
+             .causes = {"x"}};
     DayAggregate later;
-    later.hours[tenHour] = {.start = ten, .samples = 1, .swapSum = 4, .swapMax = 4, .memFreeMin = 30, .loadMax = 1,
-                            .reclaimMB = 20, .apps = {{"a", 5}, {"b", 2}, {"c", 3}}, .causes = {"y"}};
+    later.hours[tenHour] = {.start = ten,
+                            .samples = 1,
+                            .swapSum = 4,
+                            .swapMax = 4,
+                            .memFreeMin = 30,
+                            .loadMax = 1,
+                            .reclaimMB = 20,
+                            .apps = {{"a", 5}, {"b", 2}, {"c", 3}},
+                            .causes = {"y"}};
     later.hours[tenHour - 1].start = ten - 3600;
     const HistoryData joined({day, later});
     ASSERT_EQ(joined.hours.size(), 2u);
     EXPECT_EQ(joined.hours[0].start, ten - 3600);
-    EXPECT_EQ(joined.hours[1], (HourBucket{.start = ten, .samples = 3, .swapSum = 7, .swapMax = 4, .memFreeMin = 30,
-                                           .loadMax = 5, .reclaimMB = 20, .apps = {{"a", 5}, {"b", 9}, {"c", 3}},
+    EXPECT_EQ(joined.hours[1], (HourBucket{.start = ten,
+                                           .samples = 3,
+                                           .swapSum = 7,
+                                           .swapMax = 4,
+                                           .memFreeMin = 30,
+                                           .loadMax = 5,
+                                           .reclaimMB = 20,
+                                           .apps = {{"a", 5}, {"b", 9}, {"c", 3}},
                                            .causes = {"x", "y"}}));
 }
 

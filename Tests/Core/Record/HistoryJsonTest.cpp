@@ -20,11 +20,16 @@ struct HistoryJsonTest : testing::Test {
     json object() const { return HistoryJson::object(days(), query); }
     void fill() {
         folder.append(
-            R"({"kind":"tick","t":"2026-03-01T09:30:00Z","swapGB":9.0,"memFreePct":20,"load":2.5,"top":[["Slack",1200]]})" "\n"
-            R"({"kind":"finding","t":"2026-03-01T09:30:00Z","id":"orphan:7","title":"node has run 9 h"})" "\n"
-            R"({"kind":"diagnosis","t":"2026-03-01T09:30:00Z","findings":["orphan:7","disk"],"reclaimableMB":300})" "\n"
-            R"({"kind":"remedy","t":"2026-03-01T09:40:00Z","finding":"orphan:7","gainMB":300,"survivors":[]})" "\n"
-            R"({"kind":"tick","t":"2026-03-01T10:10:00Z","swapGB":4.0})" "\n");
+            R"({"kind":"tick","t":"2026-03-01T09:30:00Z","swapGB":9.0,"memFreePct":20,"load":2.5,"top":[["Slack",1200]]})"
+            "\n"
+            R"({"kind":"finding","t":"2026-03-01T09:30:00Z","id":"orphan:7","title":"node has run 9 h"})"
+            "\n"
+            R"({"kind":"diagnosis","t":"2026-03-01T09:30:00Z","findings":["orphan:7","disk"],"reclaimableMB":300})"
+            "\n"
+            R"({"kind":"remedy","t":"2026-03-01T09:40:00Z","finding":"orphan:7","gainMB":300,"survivors":[]})"
+            "\n"
+            R"({"kind":"tick","t":"2026-03-01T10:10:00Z","swapGB":4.0})"
+            "\n");
     }
 };
 
@@ -48,7 +53,8 @@ TEST_F(HistoryJsonTest, HoldsTheDaysTheJoinedDataAndWhatTheScreenSays) {
         "loadMax":2.5,"reclaimMB":300,"apps":{"Slack":1200},"causes":["disk","orphan:7"]})");
     const json ten = json::parse(R"({"start":1772359200.0,"samples":1,"swapSum":4.0,"swapMax":4.0,"memFreeMin":100,
         "loadMax":0.0,"reclaimMB":0,"apps":{},"causes":[]})");
-    const json fix = json::parse(R"({"at":1772358000.0,"what":"Ended node","ids":["orphan:7"],"mb":300,"survivors":0})");
+    const json fix =
+        json::parse(R"({"at":1772358000.0,"what":"Ended node","ids":["orphan:7"],"mb":300,"survivors":0})");
     const json titles = json::parse(R"({"orphan:7":"node has run 9 h"})");
     EXPECT_EQ(result["days"], json::array({{{"day", "2026-03-01"},
                                             {"offset", std::filesystem::file_size(folder.logFile())},
@@ -67,8 +73,7 @@ TEST_F(HistoryJsonTest, HoldsTheDaysTheJoinedDataAndWhatTheScreenSays) {
     EXPECT_EQ(result["topApps"], json::array({"Slack"}));
     EXPECT_EQ(result["cap"], 12.0);
     EXPECT_EQ(result["headline"]["value"], "9.0 → 4.0");
-    EXPECT_EQ(result["swapSummary"],
-              "Swap used, hourly: now 4.0 GB, peak 9.0 GB at 2026-03-01 09:00Z. 1 fix marked.");
+    EXPECT_EQ(result["swapSummary"], "Swap used, hourly: now 4.0 GB, peak 9.0 GB at 2026-03-01 09:00Z. 1 fix marked.");
     EXPECT_EQ(result["week"], "This week: 1 fix · 300 MB given back");
     EXPECT_EQ(result.size(), 10u);
 }

@@ -27,14 +27,14 @@ using Names = std::vector<std::string>;
 
 }  // namespace
 
-TEST_F(LogReaderTest, AMissingFolderHasNoLines) {
-    EXPECT_TRUE(LogReader::lines(folder.root / "none", kinds).empty());
-}
+TEST_F(LogReaderTest, AMissingFolderHasNoLines) { EXPECT_TRUE(LogReader::lines(folder.root / "none", kinds).empty()); }
 
 TEST_F(LogReaderTest, LinesComeInTheOrderOfTheDays) {
     folder.append("{\"kind\":\"shadowDecision\",\"target\":\"b\"}\n", "2026-03-02");
-    folder.append("{\"kind\":\"shadowOutcome\",\"target\":\"a\"}\n{\"kind\":\"tick\"}\n\n"
-                  "{\"kind\":\"shadowDecision\",\"target\":\"a2\"}\n", "2026-03-01");
+    folder.append(
+        "{\"kind\":\"shadowOutcome\",\"target\":\"a\"}\n{\"kind\":\"tick\"}\n\n"
+        "{\"kind\":\"shadowDecision\",\"target\":\"a2\"}\n",
+        "2026-03-01");
     LogFolder::put(folder.logs / "2026-03-03.txt", "{\"kind\":\"shadowDecision\",\"target\":\"c\"}\n");
     EXPECT_EQ(targets(), (Names{"a", "a2", "b"}));
 }
@@ -47,14 +47,16 @@ TEST_F(LogReaderTest, OnlyTheDaysAskedForAreRead) {
 }
 
 TEST_F(LogReaderTest, TheKindOfTheLineDecidesHoweverItIsWritten) {
-    folder.append("{\"kind\": \"shadowDecision\",\"target\":\"loose\"}\n"
-                  "{\"kind\":\"keep\",\"target\":\"named\",\"cmd\":\"shadowOutcome\"}\n");
+    folder.append(
+        "{\"kind\": \"shadowDecision\",\"target\":\"loose\"}\n"
+        "{\"kind\":\"keep\",\"target\":\"named\",\"cmd\":\"shadowOutcome\"}\n");
     EXPECT_EQ(targets(), Names{"loose"});
 }
 
 TEST_F(LogReaderTest, WhatIsNoObjectIsPassedOver) {
-    folder.append("[\"shadowDecision\"]\n\"shadowDecision\"\n{\"kind\":\"shadowDecision\"\nshadowDecision\n"
-                  "{\"kind\":\"shadowDecision\",\"x\":\"\xff\"}\n{\"kind\":\"shadowDecision\",\"target\":\"ok\"}\n");
+    folder.append(
+        "[\"shadowDecision\"]\n\"shadowDecision\"\n{\"kind\":\"shadowDecision\"\nshadowDecision\n"
+        "{\"kind\":\"shadowDecision\",\"x\":\"\xff\"}\n{\"kind\":\"shadowDecision\",\"target\":\"ok\"}\n");
     EXPECT_EQ(targets(), Names{"ok"});
 }
 
@@ -79,12 +81,15 @@ TEST_F(LogReaderTest, LinesAcrossChunksAreWhole) {
 }
 
 TEST_F(LogReaderTest, ValuesKeepTheirTypes) {
-    folder.append(R"({"kind":"shadowOutcome","i":-3,"u":18446744073709551615,"d":1.5,"b":true,"n":null,"a":[1,{"x":"é\n"}]})"
-                  "\n");
+    folder.append(
+        R"({"kind":"shadowOutcome","i":-3,"u":18446744073709551615,"d":1.5,"b":true,"n":null,"a":[1,{"x":"é\n"}]})"
+        "\n");
     const auto lines = LogReader::lines(folder.logs, kinds);
     ASSERT_EQ(lines.size(), 1u);
-    EXPECT_EQ(lines[0], nlohmann::json::parse(
-        R"({"kind":"shadowOutcome","i":-3,"u":18446744073709551615,"d":1.5,"b":true,"n":null,"a":[1,{"x":"é\n"}]})"));
+    EXPECT_EQ(
+        lines[0],
+        nlohmann::json::parse(
+            R"({"kind":"shadowOutcome","i":-3,"u":18446744073709551615,"d":1.5,"b":true,"n":null,"a":[1,{"x":"é\n"}]})"));
     EXPECT_TRUE(lines[0]["i"].is_number_integer());
     EXPECT_TRUE(lines[0]["d"].is_number_float());
 }

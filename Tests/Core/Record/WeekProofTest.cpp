@@ -15,8 +15,10 @@ struct WeekProofTest : testing::Test {
     WeekProofTest() { zone("UTC"); }
     ~WeekProofTest() override { zone(nullptr); }
     static void zone(const char* name) {
-        if (name) ::setenv("TZ", name, 1);
-        else ::unsetenv("TZ");
+        if (name)
+            ::setenv("TZ", name, 1);
+        else
+            ::unsetenv("TZ");
         ::tzset();
     }
 
@@ -91,7 +93,7 @@ TEST_F(WeekProofTest, ADayFileOfAZoneWithAChangeOfClocksIsKept) {
     // Berlin puts its clocks forward on the 29th of March, so this week has 167 hours.
     zone("Europe/Berlin");
     fix(on("2026-03-23"), 1774310400, 7);  // 2026-03-24T00:00:00Z
-    const Time sundayNight = 1774911600;  // 2026-03-31T01:00 in Berlin; a week ago it was 2026-03-24T00:00
+    const Time sundayNight = 1774911600;   // 2026-03-31T01:00 in Berlin; a week ago it was 2026-03-24T00:00
     EXPECT_FALSE(WeekProof::line(days, sundayNight));
     EXPECT_EQ(WeekProof::line(days, sundayNight - 1), "This week: 1 fix · 7 MB given back");
 }

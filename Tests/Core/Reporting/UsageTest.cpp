@@ -23,7 +23,8 @@ json reportOf(std::initializer_list<const char*> lines) {
 }  // namespace
 
 TEST(Usage, AReportOfNothingHoldsItsFrameAlone) {
-    EXPECT_EQ(reportOf({}), json::parse(R"({"v":1,"id":"5C1D","day":"2026-03-01","app":"0.1.0","os":"debian 12","ramGB":16,
+    EXPECT_EQ(reportOf({}),
+              json::parse(R"({"v":1,"id":"5C1D","day":"2026-03-01","app":"0.1.0","os":"debian 12","ramGB":16,
         "counts":{},"findings":{},"fixed":{},"freedMB":0,"safety":{}})"));
 }
 
@@ -66,7 +67,8 @@ TEST(Usage, CountsWhatEachKindSays) {
         R"({"nothing":1})",
         R"([1])",
     });
-    EXPECT_EQ(report["counts"], json::parse(R"({"samples":3,"pressureSamples":1,"remedyRefused":1,"freeCancelled":1,"free":1,
+    EXPECT_EQ(report["counts"],
+              json::parse(R"({"samples":3,"pressureSamples":1,"remedyRefused":1,"freeCancelled":1,"free":1,
         "windowOpens":1,"launch":1,"panel":2})"));
     EXPECT_EQ(report["findings"], json::parse(R"({"orphan":2,"disk":1,"other":3})"));
     EXPECT_EQ(report["fixed"], json::parse(R"({"browser":1,"orphan":1})"));
@@ -76,19 +78,20 @@ TEST(Usage, CountsWhatEachKindSays) {
 }
 
 TEST(Usage, NoTextOfTheLogGetsIntoTheReport) {
-    const std::string report = reportOf({R"({"kind":"finding","id":"/home/me:9","title":"TITLE","evidence":"EVIDENCE"})",
-                                         R"({"kind":"shadowDecision","action":"pause","target":"TARGET","reason":"REASON"})",
-                                         R"({"kind":"remedy","finding":"/home/me:9","survivors":[]})",
-                                         R"({"kind":"notify","title":"TITLE","causes":["/home/me:9"]})"})
-                                   .dump();
+    const std::string report =
+        reportOf({R"({"kind":"finding","id":"/home/me:9","title":"TITLE","evidence":"EVIDENCE"})",
+                  R"({"kind":"shadowDecision","action":"pause","target":"TARGET","reason":"REASON"})",
+                  R"({"kind":"remedy","finding":"/home/me:9","survivors":[]})",
+                  R"({"kind":"notify","title":"TITLE","causes":["/home/me:9"]})"})
+            .dump();
     for (const char* word : {"TITLE", "EVIDENCE", "TARGET", "REASON", "/home"}) {
         EXPECT_EQ(report.find(word), std::string::npos) << word;
     }
 }
 
 TEST(Usage, AFindingsKindIsWhatStandsBeforeTheColon) {
-    for (const char* kind : {"leftovers", "automation", "db", "orphan", "hog", "vm", "browser", "holder", "sessions", "thrash",
-                             "disk", "indexing"}) {
+    for (const char* kind : {"leftovers", "automation", "db", "orphan", "hog", "vm", "browser", "holder", "sessions",
+                             "thrash", "disk", "indexing"}) {
         EXPECT_EQ(Usage::findingKind(kind), kind);
         EXPECT_EQ(Usage::findingKind(std::string(kind) + ":x:y"), kind);
     }
@@ -107,8 +110,10 @@ TEST(Usage, DueAreTheFinishedDaysThatWereNotSent) {
 
 TEST(Usage, ADaysReportCountsThatDayAlone) {
     const LogFolder folder;
-    folder.append("{\"kind\":\"panel\"}\n{\"kind\":\"keep\",\"cmd\":\"panel tick finding\"}\n"
-                  "{\"kind\":\"diagnosis\",\"findings\":[\"disk\"]}\n", "2026-03-01");
+    folder.append(
+        "{\"kind\":\"panel\"}\n{\"kind\":\"keep\",\"cmd\":\"panel tick finding\"}\n"
+        "{\"kind\":\"diagnosis\",\"findings\":[\"disk\"]}\n",
+        "2026-03-01");
     folder.append("{\"kind\":\"panel\"}\n", "2026-03-02");
     EXPECT_EQ(Usage::reportOfDay(folder.logs, "2026-03-01", about)["counts"], json::parse(R"({"panel":1})"));
 }

@@ -70,7 +70,8 @@ TEST(AutopilotScreen, EndingIsNeverTurnedOn) {
     ShadowRecord record = scored(0, 0);
     record.rules[2].resolved = 100;
     const auto row = ruleRows(record, {})[2];
-    EXPECT_EQ(row, (RuleRow{Action::end, "End old leftovers", false, false, "Stays a suggestion: ending cannot be undone"}));
+    EXPECT_EQ(row,
+              (RuleRow{Action::end, "End old leftovers", false, false, "Stays a suggestion: ending cannot be undone"}));
 }
 
 TEST(AutopilotScreen, WithoutKnowingTheFocusIdleAppsAreNotPaused) {
@@ -97,8 +98,8 @@ TEST(AutopilotScreen, TheSheetNamesWhatWasAcceptedAndTheLatestChoices) {
     record.entries = {{0, first, Action::pause, "Slack", "idle", 5, "held", 60},
                       {1, first + 60, Action::demote, "node", "busy", 0, "regret:focused", 3},
                       {2, first + 120, Action::end, "agent leftovers", "", 0, {}, {}}};
-    EXPECT_EQ(entryRows(record), (std::vector<EntryRow>{
-                                     {"2026-03-01 09:32Z", "end", "agent leftovers", "", "not scored yet"},
+    EXPECT_EQ(entryRows(record),
+              (std::vector<EntryRow>{{"2026-03-01 09:32Z", "end", "agent leftovers", "", "not scored yet"},
                                      {"2026-03-01 09:31Z", "demote", "node", "busy", "wrong"},
                                      {"2026-03-01 09:30Z", "pause", "Slack", "idle", "right"}}));
     EXPECT_EQ(entryRows(record, 1).size(), 1u);

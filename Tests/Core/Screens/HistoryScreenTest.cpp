@@ -38,8 +38,10 @@ struct HistoryScreenTest : testing::Test {
     HistoryScreenTest() { zone("UTC"); }
     ~HistoryScreenTest() override { zone(nullptr); }
     static void zone(const char* name) {
-        if (name) ::setenv("TZ", name, 1);
-        else ::unsetenv("TZ");
+        if (name)
+            ::setenv("TZ", name, 1);
+        else
+            ::unsetenv("TZ");
         ::tzset();
     }
     TimeRange week() const { return *range(data, Span::week, {}); }
@@ -80,8 +82,8 @@ TEST_F(HistoryScreenTest, BucketsAndEventsAtTheEndsOfTheRangeAreShown) {
 TEST_F(HistoryScreenTest, TheHeadlineNamesTheBiggestDrop) {
     data.hours = {bucketOf(ten, 9.04, 12), bucketOf(ten + hour, 4.26, 5)};
     data.events = {eventAt(ten + 1800, "Free · 2 ended")};
-    EXPECT_EQ(headline(data, week()), (Headline{"9.0 → 4.3", "GB", "spilled to disk",
-                                                "It fell within an hour of Free · 2 ended, 1 Mar."}));
+    EXPECT_EQ(headline(data, week()),
+              (Headline{"9.0 → 4.3", "GB", "spilled to disk", "It fell within an hour of Free · 2 ended, 1 Mar."}));
 }
 
 TEST_F(HistoryScreenTest, TheDayOfTheHeadlineIsLocal) {
@@ -128,8 +130,7 @@ TEST_F(HistoryScreenTest, TheAxisGoesInFoursAndInEightsWhereItIsHigh) {
 
 TEST_F(HistoryScreenTest, TheSummaryTellsTheChart) {
     data.hours = {bucketOf(ten, 1, 9.96), bucketOf(ten + hour, 2, 9.96), bucketOf(ten + 2 * hour, 2.5, 3)};
-    EXPECT_EQ(swapSummary(all(), 1),
-              "Swap used, hourly: now 2.5 GB, peak 10.0 GB at 2026-03-01 10:00Z. 1 fix marked.");
+    EXPECT_EQ(swapSummary(all(), 1), "Swap used, hourly: now 2.5 GB, peak 10.0 GB at 2026-03-01 10:00Z. 1 fix marked.");
     EXPECT_EQ(swapSummary({}, 0), "Swap used, hourly: now 0.0 GB, peak 0.0 GB at —. 0 fixes marked.");
 }
 
@@ -186,13 +187,15 @@ TEST_F(HistoryScreenTest, OnlyTheFourteenLongestLanesAreShownInTheirOrder) {
     ASSERT_EQ(rows.size(), 14u);
     std::vector<std::string> causes;
     for (const auto& row : rows) causes.push_back(row.lane.cause.substr(7));
-    EXPECT_EQ(causes, (std::vector<std::string>{"0", "1", "2", "3", "4", "5", "6", "7", "9", "11", "13", "15", "17", "19"}));
+    EXPECT_EQ(causes,
+              (std::vector<std::string>{"0", "1", "2", "3", "4", "5", "6", "7", "9", "11", "13", "15", "17", "19"}));
 }
 
 TEST_F(HistoryScreenTest, DatabasesAreLeftAloneOnPurpose) {
-    const auto rows = laneRows({laneOf("db:7", ten, ten + 50 * hour, "x"), laneOf("orphan:8", ten, ten + 3 * hour, "postgres"),
-                                laneOf("automation:9", ten, ten + 3 * hour, "Hidden automation Chrome")},
-                               Host());
+    const auto rows =
+        laneRows({laneOf("db:7", ten, ten + 50 * hour, "x"), laneOf("orphan:8", ten, ten + 3 * hour, "postgres"),
+                  laneOf("automation:9", ten, ten + 3 * hour, "Hidden automation Chrome")},
+                 Host());
     EXPECT_TRUE(rows[0].isLeftAlone);
     EXPECT_EQ(rows[0].icon, LaneIcon::cylinder);
     EXPECT_EQ(rows[0].text, "left alone 2 days");
@@ -208,7 +211,8 @@ TEST_F(HistoryScreenTest, ALaneTellsWhereItBeganAndWhatEndedIt) {
     ended.endedBy = eventAt(ten + 3 * hour);
     const auto rows = laneRows({ended, laneOf("orphan:2", ten, ten + 1.5 * hour, "vite")}, Host());
     using Details = std::vector<std::pair<std::string, std::string>>;
-    EXPECT_EQ(rows[0].details, (Details{{"Leftover", "node"}, {"From", "2026-03-01 10:00Z"}, {"Ended", "2026-03-01 13:00Z"}}));
+    EXPECT_EQ(rows[0].details,
+              (Details{{"Leftover", "node"}, {"From", "2026-03-01 10:00Z"}, {"Ended", "2026-03-01 13:00Z"}}));
     EXPECT_EQ(rows[1].details, (Details{{"Leftover", "vite"}, {"From", "2026-03-01 10:00Z"}}));
     EXPECT_EQ(laneSentence(rows), "2 leftovers, 1 ended by Ravik. node lived 3 h, vite lived 1 h");
     EXPECT_EQ(laneSentence({}), "0 leftovers, 0 ended by Ravik. ");
