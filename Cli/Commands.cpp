@@ -1,1 +1,81 @@
-namespace ravik {}
+#include "Cli/Command.h"
+#include "Cli/EndCommand.h"
+#include "Cli/Help.h"
+#include "Cli/KeepCommand.h"
+#include "Cli/LogCommand.h"
+#include "Cli/ReadingCommands.h"
+#include "Cli/SettingsCommand.h"
+#include "Cli/WatchCommand.h"
+
+namespace ravik::cli {
+
+namespace {
+
+constexpr Option json{"--json", "print one JSON value"};
+constexpr Option yes{"--yes", "answer the question with yes, for scripts"};
+
+}  // namespace
+
+const std::vector<Command>& commands() {
+    static const std::vector<Command> table{
+        {"diagnose",
+         "What is slowing the machine: each cause with its amount, and what its remedy does",
+         {json,
+          {"--evidence", "show the evidence of each cause"},
+          {"--capture", "write the reading to a file, for a bug report", "FILE"}},
+         runDiagnose},
+        {"watch",
+         "Watch until interrupted: one line a tick, log lines and alerts as the desktop app",
+         {{"--json", "print one JSON object a tick"}, {"--interval", "seconds between two ticks, 1 to 60", "S"}},
+         runWatch},
+        {"apps", "Every app with its memory, and whether it may be ended", {json}, runApps},
+        {"ps",
+         "Every process, and whether it may be ended",
+         {json,
+          {"--leftovers", "only what was left running after its window closed"},
+          {"QUERY", "only rows whose name or command holds this"}},
+         runPs},
+        {"sessions", "AI coding sessions, and what ended ones left", {json}, runSessions},
+        {"end",
+         "End one process with everything it started, after a question",
+         {{"PID", "the process", {}, true}, yes, json},
+         runEnd},
+        {"free", "End all that is safe to end, after one question", {yes, json}, runFree},
+        {"quit",
+         "Ask an application to quit, after a question",
+         {{"APP", "its name, as ravik apps shows it", {}, true}, yes, json},
+         runQuit},
+        {"fix",
+         "Run the remedy of one finding, after a question",
+         {{"ID", "the finding, as ravik diagnose --json names it", {}, true}, yes, json},
+         runFix},
+        {"keep", "The programs that are left running whatever is found", {json}, runKeepList},
+        {"keep list", "The same", {json}, runKeepList},
+        {"keep add", "Leave a program running", {{"CMD", "its whole command line", {}, true}}, runKeepAdd},
+        {"keep remove", "No longer", {{"CMD", "its whole command line", {}, true}}, runKeepRemove},
+        {"settings", "The limits, with their ranges", {json}, runSettings},
+        {"settings set",
+         "Change one limit",
+         {{"KEY", "its name, as ravik settings shows it", {}, true}, {"VALUE", "the new value", {}, true}},
+         runSettingsSet},
+        {"settings reset", "Back to the defaults, but for the rule that ends leftovers", {}, runSettingsReset},
+        {"log",
+         "The lines of the event log",
+         {{"-f", "go on with each new line"}, {"--kind", "only lines of this kind", "K", false, true}},
+         runLog},
+        {"replay",
+         "A captured reading through the whole diagnosis again, as JSON",
+         {{"FILE", "the capture; - is standard input", {}, true}},
+         runReplay},
+        {"version", "The version", {}, runVersion},
+        {"help",
+         "What the commands do",
+         {{"--man", "the manual page, as roff"},
+          {"--completions", "completions for a shell: bash, zsh or fish", "SHELL"},
+          {"COMMAND", "only this one", {}, false, true}},
+         runHelp},
+    };
+    return table;
+}
+
+}  // namespace ravik::cli

@@ -103,7 +103,7 @@ Task<EndResult> Monitor::apply(Finding finding, bool cautionConfirmed) {
     addOutcome(line, result);
     if (finding.quits()) line["quit"] = std::holds_alternative<Ended>(result);
     m_log.event("remedy", line);
-    refresh();
+    if (m_role == Role::watcher) refresh();
     co_return result;
 }
 
@@ -123,7 +123,7 @@ EndResult Monitor::kill(Pid pid, bool cautionConfirmed) {
         {"children", index.descendants(pid).size()},
     };
     addOutcome(line, result);
-    if (std::holds_alternative<Ended>(result)) refresh();
+    if (std::holds_alternative<Ended>(result) && m_role == Role::watcher) refresh();
     m_log.event("kill", line);
     return result;
 }

@@ -25,8 +25,7 @@ Monitor::Monitor(Platform& platform, Log& log, Host host, Role role)
       m_log(log),
       m_host(std::move(host)),
       m_role(role),
-      m_scanner(platform.processes, platform.clock),
-      m_sampler(platform.machine, platform.clock),
+      m_readers(std::make_shared<Readers>(platform)),
       m_ramBytes(platform.machine.installedBytes()),
       m_snapshot(std::make_shared<Snapshot>()),
       m_trend(std::make_shared<Trend>()),
@@ -60,14 +59,15 @@ void Monitor::refresh() {
     }
     m_inFlight = true;
     if (m_platform.defaults.changed()) loadThresholds();
-    m_platform.loop.background([this, self = m_self, loop = &m_platform.loop, reading = prepare()]() mutable {
-        loop->post([self, tick = std::make_shared<Tick>(take(std::move(reading)))] {
-            if (*self) (*self)->apply(std::move(*tick));
+    m_platform.loop.background(
+        [readers = m_readers, self = m_self, loop = &m_platform.loop, reading = prepare()]() mutable {
+            loop->post([self, tick = std::make_shared<Tick>(take(*readers, std::move(reading)))] {
+                if (*self) (*self)->apply(std::move(*tick));
+            });
         });
-    });
 }
 
-void Monitor::readNow() { apply(take(prepare())); }
+void Monitor::readNow() { apply(take(*m_readers, prepare())); }
 
 Reading Monitor::prepare() const {
     Reading reading;
@@ -79,11 +79,12 @@ Reading Monitor::prepare() const {
     return reading;
 }
 
-void Monitor::read(Reading& reading) {
-    reading.processes = m_scanner.scan();
-    reading.stats = m_sampler.sample();
-    reading.now = m_platform.clock.now();
-    auto services = m_platform.services.read(reading.processes, reading.now);
+Monitor::Tick Monitor::take(Readers& readers, Reading reading) {
+    Platform& platform = readers.platform;
+    reading.processes = readers.scanner.scan();
+    reading.stats = readers.sampler.sample();
+    reading.now = platform.clock.now();
+    auto services = platform.services.read(reading.processes, reading.now);
     reading.managed = std::move(services.managed);
     reading.host.adopters = std::move(services.adopters);
     // Windows and connections are looked up only for what would otherwise be a leftover.
@@ -93,11 +94,7 @@ void Monitor::read(Reading& reading) {
          Classifier::orphans(reading.processes, reading.managed, reading.limits, reading.host, reading.now)) {
         candidates.push_back(proc.id);
     }
-    if (!candidates.empty()) reading.host.engaged = m_platform.services.engaged(candidates, reading.processes);
-}
-
-Monitor::Tick Monitor::take(Reading reading) {
-    read(reading);
+    if (!candidates.empty()) reading.host.engaged = platform.services.engaged(candidates, reading.processes);
     auto snapshot = std::make_shared<const Snapshot>(diagnosed(reading));
     return {std::move(snapshot), std::move(reading)};
 }

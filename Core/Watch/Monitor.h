@@ -117,15 +117,25 @@ public:
     void checkNotifications();
 
 private:
-    /// What stage B starts from: a reading still without its processes and figures.
-    Reading prepare() const;
-    /// Stage B. Touches the scanner, the sampler and the platform's readers, and nothing else of this object.
-    void read(Reading& reading);
+    /// What stage B reads the machine with. It may still be at work when the Monitor has gone.
+    struct Readers {
+        Readers(Platform& computer)
+            : platform(computer),
+              scanner(platform.processes, platform.clock),
+              sampler(platform.machine, platform.clock) {}
+        Platform& platform;
+        ProcessScanner scanner;
+        SystemStatsSampler sampler;
+    };
     struct Tick {
         std::shared_ptr<const Snapshot> snapshot;
         Reading reading;
     };
-    Tick take(Reading reading);
+
+    /// What stage B starts from: a reading still without its processes and figures.
+    Reading prepare() const;
+    /// Stage B.
+    static Tick take(Readers& readers, Reading reading);
     /// Stage C.
     void apply(Tick tick);
     void logTick(const Snapshot& snapshot);
@@ -146,8 +156,7 @@ private:
     Log& m_log;
     Host m_host;
     Role m_role;
-    ProcessScanner m_scanner;
-    SystemStatsSampler m_sampler;
+    std::shared_ptr<Readers> m_readers;
     std::uint64_t m_ramBytes;
 
     std::shared_ptr<const Snapshot> m_snapshot;

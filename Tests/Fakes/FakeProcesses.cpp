@@ -20,7 +20,7 @@ FakeProcess& FakeProcesses::add(FakeProcess process) {
         process.pid = m_nextPid++;
     }
     if (m_processes.contains(process.pid)) end(process.pid);
-    if (process.started == 0) process.started = std::floor(m_clock.now());
+    process.started = std::floor(process.started == 0 ? m_clock.now() : process.started);
     process.life = m_nextLife++;
     return m_processes[process.pid] = std::move(process);
 }

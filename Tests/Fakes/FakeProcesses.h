@@ -48,7 +48,7 @@ class FakeProcesses : public ProcessTable, public Signals, public Levers {
 public:
     explicit FakeProcesses(FakeClock& clock) : m_clock(clock) {}
 
-    /// Adds a process; a pid of 0 gets the next free one, a start of 0 is now. A living process in that pid ends.
+    /// Adds a process; a pid of 0 gets the next free one, a start of 0 is now; starts are cut to the second. A living process in that pid ends.
     FakeProcess& add(FakeProcess process);
     /// Ends a process; its children go to `adopter`.
     void end(Pid pid, Pid adopter = 1);

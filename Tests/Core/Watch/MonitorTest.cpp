@@ -323,19 +323,24 @@ TEST_F(MonitorTest, TheRuleForLeftoversEndsWhatIsOldAndSafe) {
     EXPECT_EQ(line["survivors"], json::array());
 }
 
-TEST_F(MonitorTest, ADayOfTicksRunsAThousandTimesFasterThanTheDay) {
+TEST_F(MonitorTest, TicksRunAThousandTimesFasterThanTime) {
     for (Pid pid = 1000; pid < 1298; ++pid) add(pid, "p" + std::to_string(pid % 60));
     orphan(200, "server");
     const auto monitor = make();
+    // A whole day where the compiler has optimised; the fifth of an hour elsewhere.
+#ifdef NDEBUG
+    const double span = 86400;
+#else
+    const double span = 720;
+#endif
     const auto begin = std::chrono::steady_clock::now();
     monitor->start();
-    const double day = 86400;
-    machine.loop.runFor(day);
+    machine.loop.runFor(span);
     const double took = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-    EXPECT_EQ(monitor->history().size(), 720u);
-    std::printf("a day of %g ticks took %.1f s, %.0f times faster\n", day / 5, took, day / took);
+    EXPECT_EQ(logFolder.lines("tick").size(), static_cast<std::size_t>(span / 5) + 1);
+    std::printf("%g ticks of 300 processes took %.1f s, %.0f times faster than time\n", span / 5, took, span / took);
 #ifdef NDEBUG
-    EXPECT_GE(day / took, 1000.0);
+    EXPECT_GE(span / took, 1000.0);
 #endif
 }
 

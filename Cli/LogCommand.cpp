@@ -1,0 +1,29 @@
+#include "Cli/LogCommand.h"
+
+#include "Core/Record/LogTail.h"
+
+namespace ravik::cli {
+
+namespace {
+
+constexpr double followSeconds = 0.25;
+
+}  // namespace
+
+int runLog(Context& context, const Arguments& arguments) {
+    LogTail tail(context.platform().folders.log, arguments.values("--kind"));
+    const auto print = [&] {
+        tail.read([&](std::string_view line) { context.out << line << '\n'; });
+        context.out.flush();
+    };
+    print();
+    if (!arguments.has("-f")) return done;
+    MainLoop& loop = context.platform().loop;
+    context.computer.onTermination([&loop] { loop.quit(); });
+    const auto timer = loop.every(followSeconds, print);
+    loop.run();
+    loop.cancel(timer);
+    return done;
+}
+
+}  // namespace ravik::cli

@@ -1,0 +1,126 @@
+#include "Cli/Parser.h"
+
+#include <deque>
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+
+namespace ravik::cli {
+
+namespace {
+
+constexpr std::string_view defaultCommand = "diagnose";
+
+/// Where the parser keeps what it reads; the places must not move.
+struct Parsed {
+    std::deque<std::string> words;
+    std::deque<std::vector<std::string>> lists;
+};
+
+CLI::App* below(CLI::App& app, const std::string& word) {
+    for (CLI::App* candidate : app.get_subcommands({})) {
+        if (candidate->get_name() == word) return candidate;
+    }
+    return app.add_subcommand(word);
+}
+
+CLI::App* subcommand(CLI::App& root, std::string_view path) {
+    CLI::App* app = &root;
+    while (!path.empty()) {
+        const std::size_t blank = path.find(' ');
+        const std::string word(path.substr(0, blank));
+        app = below(*app, word);
+        path = blank == std::string_view::npos ? std::string_view{} : path.substr(blank + 1);
+    }
+    return app;
+}
+
+void declare(CLI::App& app, const Command& command, Parsed& parsed) {
+    for (const Option& option : command.options) {
+        const std::string name(option.name);
+        if (option.value.empty() && !option.isPositional()) {
+            app.add_flag(name);
+            continue;
+        }
+        CLI::Option* declared = nullptr;
+        if (option.repeated) {
+            declared = app.add_option(name, parsed.lists.emplace_back());
+            // An option takes one value each time it is given; a positional all that is left.
+            if (!option.isPositional()) declared->allow_extra_args(false);
+        } else {
+            declared = app.add_option(name, parsed.words.emplace_back());
+            declared->take_last();
+        }
+        declared->required(option.required);
+    }
+}
+
+Arguments collect(const CLI::App& app, const Command& command) {
+    Arguments arguments;
+    for (const Option& option : command.options) {
+        const CLI::Option* given = app.get_option_no_throw(std::string(option.name));
+        if (given && given->count() > 0) arguments.set(std::string(option.name), given->results());
+    }
+    return arguments;
+}
+
+/// The command that the words reached, the longest name first.
+const Command* reached(const CLI::App& root, const CLI::App*& leaf) {
+    std::string path;
+    leaf = &root;
+    for (;;) {
+        const auto given = leaf->get_subcommands();
+        if (given.empty()) break;
+        leaf = given.front();
+        path += (path.empty() ? "" : " ") + leaf->get_name();
+    }
+    return findCommand(path);
+}
+
+int refuse(Context& context, const Command* command, std::string_view why) {
+    std::string line(why.substr(0, why.find('\n')));
+    if (command) {
+        context.err << fmt::format("ravik {}: {} (expected: {}; see ravik help {})\n", command->name, line,
+                                   usage(*command), command->name);
+    } else {
+        context.err << fmt::format("ravik: {} (see ravik help)\n", line);
+    }
+    return wrongWords;
+}
+
+}  // namespace
+
+int dispatch(Context& context, const std::vector<std::string>& words) {
+    std::vector<std::string> given = words;
+    if (!given.empty() && (given.front() == "--help" || given.front() == "-h")) given.front() = "help";
+    if (!given.empty() && given.front() == "--version") given.front() = "version";
+    if (given.empty() || given.front().starts_with('-')) given.emplace(given.begin(), defaultCommand);
+
+    CLI::App root;
+    root.set_help_flag();
+    root.require_subcommand(1);
+    Parsed parsed;
+    for (const Command& command : commands()) {
+        CLI::App* app = subcommand(root, command.name);
+        app->set_help_flag();
+        app->positionals_at_end(false);
+        declare(*app, command, parsed);
+    }
+
+    const CLI::App* leaf = &root;
+    try {
+        std::vector<std::string> reversed(given.rbegin(), given.rend());
+        if (given.size() == 2 && (given.back() == "--help" || given.back() == "-h")) reversed = {given.front(), "help"};
+        root.parse(reversed);
+    } catch (const CLI::ParseError& error) {
+        const Command* command = reached(root, leaf);
+        if (!command) command = findCommand(given.front());
+        if (!command) return refuse(context, nullptr, fmt::format("there is no command \"{}\"", given.front()));
+        return refuse(context, command, error.what());
+    }
+    const Command* command = reached(root, leaf);
+    if (!command) return refuse(context, nullptr, fmt::format("\"{}\" needs one of its commands", given.front()));
+    return command->run(context, collect(*leaf, *command));
+}
+
+}  // namespace ravik::cli

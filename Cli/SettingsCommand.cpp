@@ -1,0 +1,120 @@
+#include "Cli/SettingsCommand.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "Cli/Table.h"
+#include "Cli/Values.h"
+#include "Core/Watch/Thresholds.h"
+
+namespace ravik::cli {
+
+namespace {
+
+constexpr std::string_view storeKey = "thresholds";
+
+Thresholds stored(Context& context) {
+    const auto value = context.platform().defaults.get(storeKey);
+    return value ? Thresholds::decode(*value).value_or(Thresholds{}) : Thresholds{};
+}
+
+int store(Context& context, const Thresholds& limits) {
+    if (context.platform().defaults.set(storeKey, limits.encode())) return done;
+    context.err << fmt::format("ravik settings: {} could not be written\n",
+                               context.platform().folders.settings.string());
+    return couldNot;
+}
+
+/// The limits that the settings screen leaves to others have no range of their own.
+struct FreeField {
+    std::string_view key;
+    std::string_view title;
+    double Thresholds::*hours = nullptr;
+    bool Thresholds::*flag = nullptr;
+};
+
+constexpr FreeField freeFields[] = {
+    {"hogMinHours", "Hours at that load before it counts", &Thresholds::hogMinHours, nullptr},
+    {"autoEndLeftovers", "End leftovers without asking", nullptr, &Thresholds::autoEndLeftovers},
+    {"autoLeftoverMinHours", "Hours before that rule acts", &Thresholds::autoLeftoverMinHours, nullptr},
+};
+
+std::string show(const Thresholds& limits, const FreeField& field) {
+    return field.flag ? (limits.*field.flag ? "true" : "false") : fmt::format("{}", limits.*field.hours);
+}
+
+std::string keys() {
+    std::vector<std::string_view> names;
+    for (const ThresholdField& field : thresholdFields()) names.push_back(field.key);
+    for (const FreeField& field : freeFields) names.push_back(field.key);
+    return fmt::format("{}", fmt::join(names, ", "));
+}
+
+int refuse(Context& context, const std::string& sentence) {
+    context.err << sentence << "\n";
+    return couldNot;
+}
+
+int setFree(Context& context, const FreeField& field, const std::string& text) {
+    Thresholds limits = stored(context);
+    if (field.flag) {
+        if (text != "true" && text != "false") {
+            return refuse(context, fmt::format("Must be true or false. The last saved value, {}, stays in use.",
+                                               show(limits, field)));
+        }
+        limits.*field.flag = text == "true";
+        const int status = store(context, limits);
+        if (status == done) context.log.event("autopilotRule", {{"on", limits.*field.flag}});
+        return status;
+    }
+    const auto value = parseNumber(text);
+    if (!value || *value < 0) {
+        return refuse(context,
+                      fmt::format("Must be a number of hours, 0 or more. The last saved value, {}, stays in use.",
+                                  show(limits, field)));
+    }
+    limits.*field.hours = *value;
+    return store(context, limits);
+}
+
+}  // namespace
+
+int runSettings(Context& context, const Arguments& arguments) {
+    const Thresholds limits = stored(context);
+    if (arguments.has("--json")) {
+        context.out << limits.encode().dump() << "\n";
+        return done;
+    }
+    Table table({Table::Align::left, Table::Align::right, Table::Align::left, Table::Align::left, Table::Align::left});
+    for (const ThresholdField& field : thresholdFields()) {
+        table.add({std::string(field.key), fmt::format("{}", field.value(limits)), std::string(field.unit),
+                   fmt::format("{} to {}", field.low, field.high), std::string(field.title)});
+    }
+    for (const FreeField& field : freeFields) {
+        table.add({std::string(field.key), show(limits, field), field.flag ? "" : "h", "", std::string(field.title)});
+    }
+    context.out << table.render(0);
+    return done;
+}
+
+int runSettingsSet(Context& context, const Arguments& arguments) {
+    const std::string key = *arguments.value("KEY");
+    const std::string text = *arguments.value("VALUE");
+    for (const FreeField& field : freeFields) {
+        if (field.key == key) return setFree(context, field, text);
+    }
+    for (const ThresholdField& field : thresholdFields()) {
+        if (field.key != key) continue;
+        Thresholds limits = stored(context);
+        const auto value = parseNumber(text);
+        if (!value || !field.accepts(*value)) return refuse(context, field.refusal(field.value(limits)));
+        field.assign(limits, *value);
+        return store(context, limits);
+    }
+    context.err << fmt::format("ravik settings set: there is no \"{}\"; expected one of {}\n", printable(key), keys());
+    return wrongWords;
+}
+
+int runSettingsReset(Context& context, const Arguments&) { return store(context, restoredDefaults(stored(context))); }
+
+}  // namespace ravik::cli

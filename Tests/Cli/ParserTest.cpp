@@ -1,0 +1,80 @@
+#include "Cli/Help.h"
+#include "Tests/Cli/CommandTest.h"
+
+namespace ravik::cli {
+
+using ParserTest = CommandTest;
+
+TEST_F(ParserTest, WithoutACommandItIsDiagnose) {
+    EXPECT_EQ(call({}).out, call({"diagnose"}).out);
+    EXPECT_EQ(call({"--json"}).out.front(), '{');
+}
+
+TEST_F(ParserTest, WrongWordsGetOneLineThatSaysWhatIsExpected) {
+    const std::vector<std::vector<std::string>> wrong{{"dance"},
+                                                      {"end"},
+                                                      {"end", "x"},
+                                                      {"end", "1", "2"},
+                                                      {"ps", "--nonsense"},
+                                                      {"settings", "set", "swapGB"},
+                                                      {"keep", "dance"},
+                                                      {"watch", "--interval"},
+                                                      {"watch", "--interval", "soon"},
+                                                      {"watch", "--interval", "0.5"},
+                                                      {"watch", "--interval", "61"},
+                                                      {"end", "--", "-5"},
+                                                      {"end", "0"},
+                                                      {"end", "99999999999"},
+                                                      {"help", "dance"},
+                                                      {"replay"},
+                                                      {"version", "1"},
+                                                      {""}};
+    for (const auto& words : wrong) {
+        const Result result = call(words);
+        const std::string shown = words.front() + (words.size() > 1 ? " " + words[1] : "");
+        EXPECT_EQ(result.status, wrongWords) << shown;
+        EXPECT_EQ(result.out, "") << shown;
+        EXPECT_EQ(std::ranges::count(result.err, '\n'), 1) << shown << ": " << result.err;
+        EXPECT_TRUE(result.err.starts_with("ravik")) << result.err;
+    }
+}
+
+TEST_F(ParserTest, ARefusalNamesTheHelpOfItsCommand) {
+    EXPECT_NE(call({"end"}).err.find("ravik help end"), std::string::npos);
+    EXPECT_NE(call({"end"}).err.find("ravik end PID"), std::string::npos);
+}
+
+TEST_F(ParserTest, HelpKnowsEveryCommand) {
+    const std::string all = call({"help"}).out;
+    for (const Command& command : commands()) {
+        EXPECT_NE(all.find(command.name), std::string::npos) << command.name;
+        std::vector<std::string> words{"help"};
+        std::istringstream parts{std::string(command.name)};
+        for (std::string word; parts >> word;) words.push_back(word);
+        const Result help = call(words);
+        EXPECT_EQ(help.status, done);
+        EXPECT_TRUE(help.out.starts_with(usage(command))) << help.out;
+    }
+}
+
+TEST_F(ParserTest, ManPageAndCompletionsKnowEveryCommand) {
+    for (const Command& command : commands()) {
+        const std::string first(command.name.substr(0, command.name.find(' ')));
+        EXPECT_NE(manPage().find(first), std::string::npos);
+        for (const char* shell : {"bash", "zsh", "fish"}) {
+            EXPECT_NE(completions(shell).value().find(first), std::string::npos) << shell << " " << first;
+        }
+    }
+    EXPECT_EQ(call({"help", "--completions", "csh"}).status, wrongWords);
+    EXPECT_EQ(call({"help", "--completions", "bash"}).out, completions("bash"));
+    EXPECT_EQ(call({"help", "--man"}).out, manPage());
+}
+
+TEST_F(ParserTest, TheUsualWordsForHelpAndVersionWork) {
+    EXPECT_EQ(call({"--help"}).out, call({"help"}).out);
+    EXPECT_EQ(call({"end", "--help"}).out, call({"help", "end"}).out);
+    EXPECT_EQ(call({"--version"}).out, call({"version"}).out);
+    EXPECT_EQ(call({"version"}).out, "ravik " RAVIK_VERSION "\n");
+}
+
+}  // namespace ravik::cli

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <deque>
+#include <map>
+
+#include "Platform/Computer.h"
+#include "Tests/Fakes/FakeMachine.h"
+
+namespace ravik::fakes {
+
+/// A terminal whose answers are typed beforehand.
+class FakeTerminal : public Terminal {
+public:
+    bool canAsk() const override { return interactive; }
+    bool isOutput() const override { return interactive; }
+    int columns() const override { return 80; }
+    std::optional<std::string> readLine() override {
+        if (typed.empty()) return {};
+        const auto line = typed.front();
+        typed.pop_front();
+        return line;
+    }
+
+    bool interactive = true;
+    /// Absent: the end of input, or Ctrl-C.
+    std::deque<std::optional<std::string>> typed;
+};
+
+/// A machine in memory as a command sees it.
+class FakeComputer : public Computer {
+public:
+    Platform& platform() override { return machine.platform; }
+    Terminal& terminal() override { return fakeTerminal; }
+    bool isMac() const override { return false; }
+    std::uint32_t uid() const override { return machine.host.uid; }
+    Pid pid() const override { return machine.host.pid; }
+    std::optional<std::string> environment(const char* name) const override {
+        const auto hit = variables.find(name);
+        if (hit == variables.end()) return {};
+        return hit->second;
+    }
+    void onTermination(std::function<void()> handler) override { terminate = std::move(handler); }
+    std::string systemName() const override { return "debian 12"; }
+
+    FakeMachine machine;
+    FakeTerminal fakeTerminal;
+    std::map<std::string, std::string> variables;
+    std::function<void()> terminate;
+};
+
+}  // namespace ravik::fakes
