@@ -3,6 +3,7 @@
 
 #include "Cli/Parser.h"
 #include "Core/Diagnosis/Classifier.h"
+#include "Core/Diagnosis/Rx.h"
 #include "Platform/Computer.h"
 
 int main(int argc, char** argv) {
@@ -10,7 +11,12 @@ int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
 
     Host host;
-    const auto computer = makeComputer([&host](const Proc& proc) { return Classifier::group(proc, host); });
+    CoreRules rules;
+    rules.groupOf = [&host](const Proc& proc) { return Classifier::group(proc, host); };
+    rules.isToolHelper = [](std::string_view command) {
+        return Rx::agentLeftover().matches(command) || Rx::automationProfile().matches(command);
+    };
+    const auto computer = makeComputer(std::move(rules), "ravik watch");
     host.kind = computer->isMac() ? HostKind::mac : HostKind::linux;
     host.uid = computer->uid();
     host.pid = computer->pid();

@@ -28,7 +28,15 @@ public:
     virtual std::string systemName() const = 0;
 };
 
-/// `groupOf` names the application that a process belongs to, for what the desktop only knows by its pid.
-std::unique_ptr<Computer> makeComputer(std::function<std::string(const Proc&)> groupOf);
+/// What a platform needs of the core's knowledge, handed in by whoever composes the program.
+struct CoreRules {
+    /// The group name of a process, for what the desktop only knows by its pid.
+    std::function<std::string(const Proc&)> groupOf;
+    /// True for the command of a helper that tools start detached.
+    std::function<bool(std::string_view command)> isToolHelper;
+};
+
+/// `name` is what other processes are told of this one: "ravik watch".
+std::unique_ptr<Computer> makeComputer(CoreRules rules, std::string name);
 
 }  // namespace ravik

@@ -1,0 +1,122 @@
+#include <cstdlib>
+
+#include <unistd.h>
+
+#include "Platform/Computer.h"
+#include "Platform/Linux/AppMemory.h"
+#include "Platform/Linux/AppNames.h"
+#include "Platform/Linux/Clock.h"
+#include "Platform/Linux/DesktopNotifier.h"
+#include "Platform/Linux/DesktopWorkspace.h"
+#include "Platform/Linux/FileTrash.h"
+#include "Platform/Linux/Folders.h"
+#include "Platform/Linux/GLibLoop.h"
+#include "Platform/Linux/LinuxMachine.h"
+#include "Platform/Linux/LinuxProcessTable.h"
+#include "Platform/Linux/LinuxServices.h"
+#include "Platform/Linux/OsRelease.h"
+#include "Platform/Linux/PidfdSignals.h"
+#include "Platform/Linux/PosixTerminal.h"
+#include "Platform/Linux/ReadFile.h"
+#include "Platform/Linux/SettingsFile.h"
+#include "Platform/Linux/WatcherLock.h"
+
+namespace ravik::platform {
+
+namespace {
+
+/// Pulls nothing.
+class NoLevers : public Levers {
+public:
+    Pids pause(const std::string&, const std::vector<Proc>&) override { return {}; }
+    void resume(const Pids&) override {}
+    Pids demote(const std::string&, const std::vector<Proc>&) override { return {}; }
+    void restore(const Pids&) override {}
+    std::vector<Leftover> releaseLeftovers() override { return {}; }
+};
+
+/// This computer, put together out of its parts. The loop is made last and goes first: what runs beside it needs
+/// the others.
+class LinuxComputer : public Computer {
+public:
+    LinuxComputer(CoreRules rules, std::string name)
+        : m_rules(std::move(rules)),
+          m_folders(linuxFolders(processEnvironment())),
+          m_table(m_clock, {.apps = &m_apps}),
+          m_processes(m_table),
+          m_services(serviceOptions()),
+          m_workspace(makeWorkspace(workspaceOptions())),
+          m_settings(m_folders.settings),
+          m_watchLock(m_folders.runtime, std::move(name), geteuid()),
+          m_platform{m_processes, m_machine,  m_signals, m_levers, m_services, *m_workspace, m_notifier,
+                     m_settings,  m_trash,    m_loop,    m_clock,  m_watchLock, m_folders} {}
+
+    Platform& platform() override { return m_platform; }
+    Terminal& terminal() override { return m_terminal; }
+    bool isMac() const override { return false; }
+    std::uint32_t uid() const override { return geteuid(); }
+    Pid pid() const override { return getpid(); }
+    std::optional<std::string> environment(const char* name) const override {
+        const char* value = std::getenv(name);
+        if (!value) return {};
+        return value;
+    }
+    void onTermination(std::function<void()> handler) override {
+        m_loop.onEndingSignal([handler = std::move(handler)](int) { handler(); });
+    }
+    std::string systemName() const override {
+        return osReleaseName(readFile("/etc/os-release").value_or(readFile("/usr/lib/os-release").value_or("")));
+    }
+
+private:
+    LinuxServices::Options serviceOptions() {
+        LinuxServices::Options options;
+        options.uid = geteuid();
+        options.self = getpid();
+        options.isToolHelper = m_rules.isToolHelper;
+        options.applications = &m_apps;
+        return options;
+    }
+
+    WorkspaceOptions workspaceOptions() {
+        WorkspaceOptions options;
+        options.groupOf = [this](Pid pid) -> std::optional<std::string> {
+            const auto proc = m_processes.find(pid);
+            if (!proc) return {};
+            return m_rules.groupOf(*proc);
+        };
+        options.signals = &m_signals;
+        return options;
+    }
+
+    CoreRules m_rules;
+    Folders m_folders;
+    SystemClock m_clock;
+    AppNames m_apps;
+    LinuxProcessTable m_table;
+    AppMemory m_processes;
+    LinuxMachine m_machine;
+    PidfdSignals m_signals;
+    LinuxServices m_services;
+    std::unique_ptr<Workspace> m_workspace;
+    DesktopNotifier m_notifier;
+    SettingsFile m_settings;
+    FileTrash m_trash;
+    PosixTerminal m_terminal;
+    WatcherLock m_watchLock;
+    NoLevers m_levers;
+    GLibLoop m_loop;
+    Platform m_platform;
+};
+
+}  // namespace
+
+}  // namespace ravik::platform
+
+namespace ravik {
+
+std::unique_ptr<Computer> makeComputer(CoreRules rules, std::string name) {
+    return std::make_unique<platform::LinuxComputer>(std::move(rules), std::move(name));
+}
+
+}  // namespace ravik
