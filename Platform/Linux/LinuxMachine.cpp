@@ -68,7 +68,9 @@ std::optional<LinuxMachine::ContainerMemory> LinuxMachine::container() const {
         const fs::path folder = m_roots.sys / "fs/cgroup" / fs::path(group).relative_path();
         const auto limit = memoryLimit(readFile(folder / "memory.max").value_or(""));
         if (!limit || (smallest && smallest->limit <= *limit)) continue;
-        smallest = {*limit, wholeNumber(readFile(folder / "memory.current").value_or("")).value_or(0)};
+        const std::uint64_t used = wholeNumber(readFile(folder / "memory.current").value_or("")).value_or(0);
+        const std::uint64_t reclaimable = reclaimableBytes(readFile(folder / "memory.stat").value_or(""));
+        smallest = {*limit, used - std::min(used, reclaimable)};
     }
     return smallest;
 }
@@ -76,9 +78,11 @@ std::optional<LinuxMachine::ContainerMemory> LinuxMachine::container() const {
 std::optional<MemoryReading> LinuxMachine::memory() {
     const auto meminfo = readFile(m_roots.proc / "meminfo");
     const auto available = meminfo ? meminfoBytes(*meminfo, "MemAvailable") : std::nullopt;
-    const auto swapOuts = vmstatCounter(readFile(m_roots.proc / "vmstat").value_or(""), "pswpout");
-    if (!available || !swapOuts) return {};
-    MemoryReading reading{*available, *swapOuts, static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE))};
+    if (!available) return {};
+    // A kernel without swap may not count it, which says nothing against the free memory.
+    m_swapOutPages =
+        vmstatCounter(readFile(m_roots.proc / "vmstat").value_or(""), "pswpout").value_or(m_swapOutPages);
+    MemoryReading reading{*available, m_swapOutPages, static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE))};
     if (const auto inside = container()) {
         const std::uint64_t left = inside->limit > inside->used ? inside->limit - inside->used : 0;
         reading.availableBytes = std::min(reading.availableBytes, left);
@@ -100,10 +104,9 @@ std::optional<std::uint64_t> LinuxMachine::swapUsedBytes() {
     if (!total || !free) return {};
     std::uint64_t used = *total > *free ? *total - *free : 0;
     if (used == 0) return used;
-    std::error_code error;
-    for (fs::directory_iterator at(m_roots.sys / "block", error), end; !error && at != end; at.increment(error)) {
-        if (!at->path().filename().string().starts_with("zram")) continue;
-        const auto store = zramStoreBytes(readFile(at->path() / "mm_stat").value_or(""));
+    // A zram device may also hold a file system: only those that are swap count.
+    for (const std::string& device : zramSwaps(readFile(m_roots.proc / "swaps").value_or(""))) {
+        const auto store = zramStoreBytes(readFile(m_roots.sys / "block" / device / "mm_stat").value_or(""));
         used -= std::min(used, store.value_or(0));
     }
     return used;
@@ -140,18 +143,29 @@ void LinuxMachine::findGpu() {
         std::error_code missing;
         return fs::exists(card / "gpu_busy_percent", missing);
     };
+    const auto isNvidia = [](const fs::path& card) {
+        return readFile(card / "vendor").value_or("").starts_with("0x10de");
+    };
     if (const auto card = std::ranges::find_if(cards, tells); card != cards.end()) {
         m_gpu = *card;
-    } else if (std::error_code missing; fs::exists(m_roots.proc / "driver/nvidia", missing)) {
-        m_nvml = std::make_unique<Nvml>();
+    } else if (const auto nvidia = std::ranges::find_if(cards, isNvidia); nvidia != cards.end()) {
+        m_gpu = *nvidia;
+        m_viaNvml = true;
     }
+}
+
+std::optional<int> LinuxMachine::nvmlPercent() {
+    // The library wakes a card and keeps it awake: where the card may fall asleep, it is let go after each look.
+    if (readFile(m_gpu / "power/control").value_or("").starts_with("auto")) return Nvml().percent();
+    if (!m_nvml) m_nvml = std::make_unique<Nvml>();
+    return m_nvml->percent();
 }
 
 std::optional<int> LinuxMachine::gpuPercent() {
     if (!m_gpuSought) findGpu();
-    if (m_nvml) return m_nvml->percent();
     if (m_gpu.empty()) return {};
     if (readFile(m_gpu / "power/runtime_status").value_or("").starts_with("suspended")) return {};
+    if (m_viaNvml) return nvmlPercent();
     const auto percent = wholeNumber(readFile(m_gpu / "gpu_busy_percent").value_or(""));
     if (!percent) return {};
     return static_cast<int>(*percent);

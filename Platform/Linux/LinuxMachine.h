@@ -32,15 +32,18 @@ private:
     class Nvml;
     struct ContainerMemory {
         std::uint64_t limit = 0;
-        std::uint64_t used = 0;
+        std::uint64_t used = 0;  // without what would be given up for the asking
     };
 
     std::optional<ContainerMemory> container() const;
     void findGpu();
+    std::optional<int> nvmlPercent();
 
     Roots m_roots;
     std::filesystem::path m_gpu;  // the card's device folder; empty: none
     bool m_gpuSought = false;
+    bool m_viaNvml = false;
+    std::uint64_t m_swapOutPages = 0;  // of the last reading that had it
     std::unique_ptr<Nvml> m_nvml;
 };
 

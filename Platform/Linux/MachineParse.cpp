@@ -1,5 +1,6 @@
 #include "Platform/Linux/MachineParse.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace ravik::platform {
@@ -58,6 +59,28 @@ std::optional<std::uint64_t> zramStoreBytes(std::string_view mmStat) {
         mmStat.remove_prefix(blank);
     }
     return wholeNumber(mmStat);
+}
+
+std::vector<std::string> zramSwaps(std::string_view swaps) {
+    constexpr std::string_view prefix = "/dev/";
+    std::vector<std::string> devices;
+    while (!swaps.empty()) {
+        const std::string_view line = swaps.substr(0, swaps.find('\n'));
+        swaps.remove_prefix(std::min(line.size() + 1, swaps.size()));
+        const std::string_view path = line.substr(0, line.find_first_of(" \t"));
+        if (!path.starts_with(prefix)) continue;
+        const std::string_view device = path.substr(prefix.size());
+        if (device.starts_with("zram") && device.find('/') == device.npos) devices.emplace_back(device);
+    }
+    return devices;
+}
+
+std::uint64_t reclaimableBytes(std::string_view memoryStat) {
+    std::uint64_t bytes = 0;
+    for (const std::string_view key : {"inactive_file", "active_file", "slab_reclaimable"}) {
+        bytes += vmstatCounter(memoryStat, key).value_or(0);
+    }
+    return bytes;
 }
 
 std::optional<std::uint64_t> memoryLimit(std::string_view text) { return wholeNumber(text); }

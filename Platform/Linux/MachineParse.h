@@ -18,6 +18,13 @@ std::optional<std::uint64_t> vmstatCounter(std::string_view vmstat, std::string_
 /// What the store of a zram device itself takes up in memory: the third figure of mm_stat.
 std::optional<std::uint64_t> zramStoreBytes(std::string_view mmStat);
 
+/// The names of the zram devices that /proc/swaps lists ("zram0").
+std::vector<std::string> zramSwaps(std::string_view swaps);
+
+/// What a control group's memory.stat counts as its own and the kernel can take back without paging: file pages and
+/// reclaimable slabs.
+std::uint64_t reclaimableBytes(std::string_view memoryStat);
+
 /// A memory limit of a control group; absent for "max" and for what is no number.
 std::optional<std::uint64_t> memoryLimit(std::string_view text);
 

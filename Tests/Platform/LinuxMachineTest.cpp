@@ -52,7 +52,11 @@ TEST_F(LinuxMachineTest, SwapLeavesOutWhatCompressedSwapTakesInMemory) {
     write("proc/meminfo", "SwapTotal: 1000 kB\nSwapFree: 400 kB\n");
     EXPECT_EQ(machine().swapUsedBytes(), 600u * 1024);
     write("sys/block/zram0/mm_stat", "614400 200000 102400 0 102400 0 0 0 0\n");
+    EXPECT_EQ(machine().swapUsedBytes(), 600u * 1024) << "what holds a file system is no swap";
+    write("proc/swaps", "Filename Type Size Used Priority\n/dev/zram0 partition 1000 600 100\n");
     EXPECT_EQ(machine().swapUsedBytes(), 500u * 1024);
+    write("sys/block/zram0/mm_stat", "614400 200000 99999999 0 99999999 0 0 0 0\n");
+    EXPECT_EQ(machine().swapUsedBytes(), 0u);
 }
 
 TEST_F(LinuxMachineTest, TheSmallestLimitOnTheWayUpIsTheInstalledMemory) {
@@ -66,6 +70,28 @@ TEST_F(LinuxMachineTest, TheSmallestLimitOnTheWayUpIsTheInstalledMemory) {
     EXPECT_EQ(machine().memory()->availableBytes, 100000000u);
 }
 
+TEST_F(LinuxMachineTest, FilePagesOfAContainerAreNotMemoryInUse) {
+    write("proc/meminfo", "MemTotal: 1000000 kB\nMemAvailable: 900000 kB\n");
+    write("proc/self/cgroup", "0::/\n");
+    write("sys/fs/cgroup/memory.max", "1000000\n");
+    write("sys/fs/cgroup/memory.current", "990000\n");
+    write("sys/fs/cgroup/memory.stat", "anon 90000\nfile 890000\ninactive_file 800000\nactive_file 90000\n");
+    EXPECT_EQ(machine().memory()->availableBytes, 900000u);
+}
+
+TEST_F(LinuxMachineTest, KernelThatCountsNoSwapStillTellsFreeMemory) {
+    write("proc/meminfo", "MemTotal: 1000000 kB\nMemAvailable: 900000 kB\n");
+    write("proc/vmstat", "nr_free_pages 5\n");
+    LinuxMachine plain = machine();
+    ASSERT_TRUE(plain.memory());
+    EXPECT_EQ(plain.memory()->availableBytes, 900000u * 1024);
+    EXPECT_EQ(plain.memory()->swapOutPages, 0u);
+    write("proc/vmstat", "pswpout 7\n");
+    EXPECT_EQ(plain.memory()->swapOutPages, 7u);
+    write("proc/vmstat", "");
+    EXPECT_EQ(plain.memory()->swapOutPages, 7u) << "a reading that failed is no wrapped counter";
+}
+
 TEST_F(LinuxMachineTest, TheFirstCardThatTellsItsLoadWins) {
     write("sys/class/drm/card0/device/vendor", "0x1\n");
     write("sys/class/drm/card0-HDMI-A-1/status", "connected\n");
@@ -75,6 +101,15 @@ TEST_F(LinuxMachineTest, TheFirstCardThatTellsItsLoadWins) {
 
 TEST_F(LinuxMachineTest, ACardThatSleepsIsNotAsked) {
     write("sys/class/drm/card0/device/gpu_busy_percent", "37\n");
+    write("sys/class/drm/card0/device/power/runtime_status", "suspended\n");
+    LinuxMachine own = machine();
+    EXPECT_EQ(own.gpuPercent(), std::nullopt);
+    write("sys/class/drm/card0/device/power/runtime_status", "active\n");
+    EXPECT_EQ(own.gpuPercent(), 37);
+}
+
+TEST_F(LinuxMachineTest, ACardWithoutItsLibraryTellsNothing) {
+    write("sys/class/drm/card0/device/vendor", "0x10de\n");
     write("sys/class/drm/card0/device/power/runtime_status", "suspended\n");
     EXPECT_EQ(machine().gpuPercent(), std::nullopt);
 }

@@ -36,6 +36,23 @@ TEST(MachineParse, TheThirdFigureIsWhatAZramStoreTakes) {
     EXPECT_EQ(zramStoreBytes(""), std::nullopt);
 }
 
+TEST(MachineParse, FindsTheZramDevicesAmongTheSwaps) {
+    EXPECT_EQ(zramSwaps("Filename\t\t\t\tType\t\tSize\t\tUsed\t\tPriority\n"
+                        "/dev/zram0                              partition\t8388604\t\t123\t\t100\n"
+                        "/swapfile                               file\t\t2097148\t\t0\t\t-2\n"
+                        "/dev/sda3 partition 1 1 1\n/dev/zram11 partition 1 1 1"),
+              (std::vector<std::string>{"zram0", "zram11"}));
+    EXPECT_TRUE(zramSwaps("").empty());
+    EXPECT_TRUE(zramSwaps("/dev/zram0/../sda x\n").empty());
+}
+
+TEST(MachineParse, FilePagesAndReclaimableSlabsCanBeTakenBack) {
+    EXPECT_EQ(reclaimableBytes("anon 5000\nfile 900\ninactive_anon 1\nactive_file 200\ninactive_file 30\n"
+                               "slab_reclaimable 4\nslab_unreclaimable 7\n"),
+              234u);
+    EXPECT_EQ(reclaimableBytes(""), 0u);
+}
+
 TEST(MachineParse, MaxIsNoLimit) {
     EXPECT_EQ(memoryLimit("max\n"), std::nullopt);
     EXPECT_EQ(memoryLimit("536870912\n"), 536870912u);
