@@ -1,6 +1,7 @@
 #include "Cli/Command.h"
 #include "Cli/EndCommand.h"
 #include "Cli/Help.h"
+#include "Cli/HistoryCommands.h"
 #include "Cli/KeepCommand.h"
 #include "Cli/LogCommand.h"
 #include "Cli/ReadingCommands.h"
@@ -12,6 +13,7 @@ namespace ravik::cli {
 namespace {
 
 constexpr Option json{"--json", "print one JSON value"};
+constexpr Option logs{"--logs", "a log folder in place of the program's own", "DIR"};
 constexpr Option yes{"--yes", "answer the question with yes, for scripts"};
 
 }  // namespace
@@ -59,6 +61,18 @@ const std::vector<Command>& commands() {
          {{"KEY", "its name, as ravik settings shows it", {}, true}, {"VALUE", "the new value", {}, true}},
          runSettingsSet},
         {"settings reset", "Back to the defaults, but for the rule that ends leftovers", {}, runSettingsReset},
+        {"history",
+         "Did memory pressure fall after something was done: headline, lanes, events, the week",
+         {{"--span", "day or week", "SPAN"},
+          json,
+          logs,
+          {"--cache", "the folder of folded days, in place of the program's own", "DIR"},
+          {"--now", "seconds since 1970 that stand for now", "T"}},
+         runHistory},
+        {"report",
+         "Exactly what the usage report of a day would hold; nothing is sent",
+         {json, logs, {"--day", "a day as 2026-03-01, today if not told", "D"}},
+         runReport},
         {"log",
          "The lines of the event log",
          {{"-f", "go on with each new line"}, {"--kind", "only lines of this kind", "K", false, true}},

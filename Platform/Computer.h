@@ -24,8 +24,8 @@ public:
     virtual std::optional<std::string> environment(const char* name) const = 0;
     /// Calls back once, on the main loop, when the program is asked to end (SIGINT, SIGTERM, SIGHUP).
     virtual void onTermination(std::function<void()> handler) = 0;
-    /// How the operating system calls itself, as "debian 12"; empty if it does not say.
-    virtual std::string systemName() const = 0;
+    /// What the operating system says of itself: the text of os-release; empty if there is none.
+    virtual std::string osRelease() const = 0;
 };
 
 /// What a platform needs of the core's knowledge, handed in by whoever composes the program.

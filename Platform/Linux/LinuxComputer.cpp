@@ -14,7 +14,6 @@
 #include "Platform/Linux/LinuxMachine.h"
 #include "Platform/Linux/LinuxProcessTable.h"
 #include "Platform/Linux/LinuxServices.h"
-#include "Platform/Linux/OsRelease.h"
 #include "Platform/Linux/PidfdSignals.h"
 #include "Platform/Linux/PosixTerminal.h"
 #include "Platform/Linux/ReadFile.h"
@@ -64,8 +63,8 @@ public:
     void onTermination(std::function<void()> handler) override {
         m_loop.onEndingSignal([handler = std::move(handler)](int) { handler(); });
     }
-    std::string systemName() const override {
-        return osReleaseName(readFile("/etc/os-release").value_or(readFile("/usr/lib/os-release").value_or("")));
+    std::string osRelease() const override {
+        return readFile("/etc/os-release").value_or(readFile("/usr/lib/os-release").value_or(""));
     }
 
 private:

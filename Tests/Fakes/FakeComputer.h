@@ -40,7 +40,7 @@ public:
         return hit->second;
     }
     void onTermination(std::function<void()> handler) override { terminate = std::move(handler); }
-    std::string systemName() const override { return "debian 12"; }
+    std::string osRelease() const override { return "ID=debian\nVERSION_ID=\"12\"\n"; }
 
     FakeMachine machine;
     FakeTerminal fakeTerminal;
