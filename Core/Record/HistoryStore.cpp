@@ -109,12 +109,10 @@ std::vector<DayAggregate> load(const fs::path& logDir, const fs::path& cacheDir,
 void ingest(DayAggregate& day, const fs::path& file) { Reader().ingest(day, file); }
 
 void apply(std::string_view line, DayAggregate& day) {
-    std::string padded;
-    padded.reserve(line.size() + LogBytes::padding);
-    padded = line;
+    const std::string padded = std::string(line) + std::string(LogBytes::padding, '\0');
     LineFold fold;
     fold.begin(day);
-    fold.apply(padded);
+    fold.apply(std::string_view(padded).substr(0, line.size()));
 }
 
 }  // namespace ravik::HistoryStore

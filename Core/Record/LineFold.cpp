@@ -9,6 +9,7 @@
 #include "Core/Record/FindingLabel.h"
 #include "Core/Record/LineFields.h"
 #include "Core/Record/LogBytes.h"
+#include "Core/Record/QuickLine.h"
 #include "Core/Record/StampReader.h"
 
 namespace ravik {
@@ -23,20 +24,22 @@ static_assert(LogBytes::padding >= simdjson::SIMDJSON_PADDING);
 /// Fixes less than so many seconds older than their batch belong to it.
 constexpr double batchSeconds = 90;
 
-/// True if the line holds the bytes `"kind":"X"` with one of the kinds that count. The others are never parsed.
-bool mentionsAKind(std::string_view line) {
+constexpr std::array<std::string_view, 7> kinds{"tick\"",   "diagnosis\"", "finding\"", "remedy\"",
+                                                "fixAll\"", "autopilot\"", "kill\""};
+
+/// Where among `kinds` the first one stands whose bytes `"kind":"X"` the line holds; their number if it holds none. Such
+/// lines are never parsed.
+std::size_t mentionedKind(std::string_view line) {
     constexpr std::string_view key = "\"kind\":\"";
-    constexpr std::array<std::string_view, 7> kinds{"tick\"",   "diagnosis\"", "finding\"", "remedy\"",
-                                                    "fixAll\"", "autopilot\"", "kill\""};
     // There are far fewer letters k in a line than quotes, and a search for one byte is the fastest there is.
     for (std::size_t k = 1; k < line.size() && (k = line.find('k', k)) != std::string_view::npos; ++k) {
         if (line.compare(k - 1, key.size(), key) != 0) continue;
         const std::string_view rest = line.substr(k - 1 + key.size());
-        if (std::any_of(kinds.begin(), kinds.end(), [&](std::string_view kind) { return rest.starts_with(kind); })) {
-            return true;
-        }
+        const auto kind =
+            std::find_if(kinds.begin(), kinds.end(), [&](std::string_view one) { return rest.starts_with(one); });
+        if (kind != kinds.end()) return static_cast<std::size_t>(kind - kinds.begin());
     }
-    return false;
+    return kinds.size();
 }
 
 std::string without(std::string text, std::string_view word) {
@@ -52,12 +55,17 @@ bool mayStillNeedAnAnswer(const LineFields& line) {
 
 struct LineFold::State {
     simdjson::dom::parser parser;
+    QuickLine quick;
     DayAggregate* day = nullptr;
 
-    HourBucket& bucketAt(std::int64_t hour);
+    HourBucket& bucketAt(Time at);
     void fold(const LineFields& line);
-    void tick(const LineFields& line, std::int64_t hour);
-    void diagnosis(const LineFields& line, std::int64_t hour);
+    void foldQuick(QuickLine::Kind kind);
+    void tick(const LineFields& line, Time at);
+    void diagnosis(const LineFields& line, Time at);
+    void sample(HourBucket& into, double swapGB, std::int64_t memFreePct, double load) const;
+    void held(HourBucket& into, std::size_t rank, std::string_view app, std::int64_t mb);
+    void caused(HourBucket& into, std::size_t rank, std::string_view id);
     void remedy(const LineFields& line, HistoryEvent event);
     void fixAll(const LineFields& line, HistoryEvent event);
     void kill(const LineFields& line, HistoryEvent event);
@@ -79,13 +87,19 @@ void LineFold::begin(DayAggregate& day) {
 }
 
 void LineFold::apply(std::string_view line) {
-    if (!mentionsAKind(line)) return;
+    const std::size_t kind = mentionedKind(line);
+    if (kind == kinds.size()) return;
+    if (kind < 2) {
+        const auto quickKind = kind == 0 ? QuickLine::Kind::tick : QuickLine::Kind::diagnosis;
+        if (m_state->quick.read(line, quickKind)) return m_state->foldQuick(quickKind);
+    }
     simdjson::dom::object object;
     if (m_state->parser.parse(line.data(), line.size(), false).get_object().get(object) != simdjson::SUCCESS) return;
     m_state->fold(LineFields(object));
 }
 
-HourBucket& LineFold::State::bucketAt(std::int64_t hour) {
+HourBucket& LineFold::State::bucketAt(Time at) {
+    const auto hour = static_cast<std::int64_t>(at / 3600);
     if (bucket && bucketHour == hour) return *bucket;
     bucket = &day->hours[hour];
     bucket->start = static_cast<Time>(hour) * 3600;
@@ -95,15 +109,29 @@ HourBucket& LineFold::State::bucketAt(std::int64_t hour) {
     return *bucket;
 }
 
+void LineFold::State::foldQuick(QuickLine::Kind kind) {
+    const auto at = stamps.read(quick.t);
+    if (!at) return;
+    HourBucket& into = bucketAt(*at);
+    if (kind == QuickLine::Kind::tick) {
+        sample(into, quick.swapGB, quick.memFreePct, quick.load);
+        for (std::size_t rank = 0; rank < quick.top.size(); ++rank) {
+            held(into, rank, quick.top[rank].first, quick.top[rank].second);
+        }
+    } else {
+        into.reclaimMB = std::max(into.reclaimMB, quick.reclaimableMB);
+        for (std::size_t rank = 0; rank < quick.findings.size(); ++rank) caused(into, rank, quick.findings[rank]);
+    }
+}
+
 void LineFold::State::fold(const LineFields& line) {
     const auto kind = line.text(Field::kind);
     const auto stamp = line.text(Field::t);
     if (!kind || !stamp) return;
     const auto at = stamps.read(*stamp);
     if (!at) return;
-    const auto hour = static_cast<std::int64_t>(*at / 3600);
-    if (*kind == "tick") return tick(line, hour);
-    if (*kind == "diagnosis") return diagnosis(line, hour);
+    if (*kind == "tick") return tick(line, *at);
+    if (*kind == "diagnosis") return diagnosis(line, *at);
     if (*kind == "finding") {
         const auto id = line.text(Field::id);
         const auto title = line.text(Field::title);
@@ -124,14 +152,9 @@ void LineFold::State::fold(const LineFields& line) {
     }
 }
 
-void LineFold::State::tick(const LineFields& line, std::int64_t hour) {
-    HourBucket& into = bucketAt(hour);
-    const double swap = line.real(Field::swapGB);
-    into.samples = saturatingAdd(into.samples, 1);
-    into.swapSum += swap;
-    into.swapMax = std::max(into.swapMax, swap);
-    into.memFreeMin = std::min(into.memFreeMin, line.whole(Field::memFreePct, 100));
-    into.loadMax = std::max(into.loadMax, line.real(Field::load));
+void LineFold::State::tick(const LineFields& line, Time at) {
+    HourBucket& into = bucketAt(at);
+    sample(into, line.real(Field::swapGB), line.whole(Field::memFreePct, 100), line.real(Field::load));
     std::size_t rank = 0;
     line.forEach(Field::top, element_type::ARRAY, [&](const Element& app) {
         const simdjson::dom::array pair = app.get_array().value_unsafe();
@@ -139,29 +162,42 @@ void LineFold::State::tick(const LineFields& line, std::int64_t hour) {
         auto part = pair.begin();
         const auto name = JsonValue::text(*part);
         const auto mb = JsonValue::whole(*++part);
-        if (!name || !mb) return;
-        if (rank == lastTop.size()) lastTop.push_back(nullptr);
-        auto*& held = lastTop[rank++];
-        if (!held || held->first != *name) {
-            const auto known = into.apps.find(*name);
-            held = known != into.apps.end() ? &*known : &*into.apps.emplace(std::string(*name), 0).first;
-        }
-        held->second = std::max(held->second, *mb);
+        if (name && mb) held(into, rank++, *name, *mb);
     });
 }
 
-void LineFold::State::diagnosis(const LineFields& line, std::int64_t hour) {
-    HourBucket& into = bucketAt(hour);
+void LineFold::State::diagnosis(const LineFields& line, Time at) {
+    HourBucket& into = bucketAt(at);
     into.reclaimMB = std::max(into.reclaimMB, line.whole(Field::reclaimableMB));
     std::size_t rank = 0;
-    line.forEach(Field::findings, element_type::STRING, [&](const Element& finding) {
-        const std::string_view id = finding.get_string().value_unsafe();
-        if (rank == lastCauses.size()) lastCauses.push_back(nullptr);
-        const std::string*& cause = lastCauses[rank++];
-        if (cause && *cause == id) return;
-        const auto known = into.causes.find(id);
-        cause = known != into.causes.end() ? &*known : &*into.causes.emplace(id).first;
-    });
+    line.forEach(Field::findings, element_type::STRING,
+                 [&](const Element& id) { caused(into, rank++, id.get_string().value_unsafe()); });
+}
+
+void LineFold::State::sample(HourBucket& into, double swapGB, std::int64_t memFreePct, double load) const {
+    into.samples = saturatingAdd(into.samples, 1);
+    into.swapSum += swapGB;
+    into.swapMax = std::max(into.swapMax, swapGB);
+    into.memFreeMin = std::min(into.memFreeMin, memFreePct);
+    into.loadMax = std::max(into.loadMax, load);
+}
+
+void LineFold::State::held(HourBucket& into, std::size_t rank, std::string_view app, std::int64_t mb) {
+    if (rank >= lastTop.size()) lastTop.resize(rank + 1);
+    auto*& last = lastTop[rank];
+    if (!last || last->first != app) {
+        const auto known = into.apps.find(app);
+        last = known != into.apps.end() ? &*known : &*into.apps.emplace(std::string(app), 0).first;
+    }
+    last->second = std::max(last->second, mb);
+}
+
+void LineFold::State::caused(HourBucket& into, std::size_t rank, std::string_view id) {
+    if (rank >= lastCauses.size()) lastCauses.resize(rank + 1);
+    const std::string*& last = lastCauses[rank];
+    if (last && *last == id) return;
+    const auto known = into.causes.find(id);
+    last = known != into.causes.end() ? &*known : &*into.causes.emplace(id).first;
 }
 
 void LineFold::State::remedy(const LineFields& line, HistoryEvent event) {

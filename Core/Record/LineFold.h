@@ -18,7 +18,8 @@ public:
 
     /// The following lines go into `day`, which stays where it is meanwhile and is changed by nobody else.
     void begin(DayAggregate& day);
-    /// One line without its line feed, LogBytes::padding readable bytes behind it. A line that does not fit is dropped.
+    /// One line without its line feed, behind it a control character and LogBytes::padding readable bytes. A line that
+    /// does not fit is dropped.
     void apply(std::string_view line);
 
 private:

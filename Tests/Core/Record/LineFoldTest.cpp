@@ -1,6 +1,9 @@
+#include <random>
+
 #include <gtest/gtest.h>
 
 #include "Core/Record/HistoryStore.h"
+#include "Tests/Core/Record/LogFolder.h"
 
 namespace ravik {
 
@@ -251,6 +254,72 @@ TEST_F(LineFold, SumsStayAtTheirLimits) {
     apply("remedy", R"("finding":"a","gainMB":9223372036854775807,"survivors":[])", 1);
     apply("fixAll", R"("findings":["a"],"survivors":[])", 2);
     EXPECT_EQ(day.events.at(0).mb, INT64_MAX);
+}
+
+TEST_F(LineFold, PlainLinesAreReadLikeAllOthers) {
+    const std::string plain =
+        R"({"breaches":["swap","disk"],"diskFreeGB":80.15910359162008,"gpu":-1,"hogs":0,"kind":"tick","load":3.77,)"
+        R"("memFreePct":12,"orphans":2,"procs":500,"session":"0A1B2C3D","sessions":1,"swapGB":1.0409212228873383,)"
+        R"("swapOutMBps":1e-05,"t":"2026-03-01T09:30:15Z","top":[["Visual Studio Code",1291],["node: server.js",4895]]})";
+    HistoryStore::apply(plain, day);
+    EXPECT_EQ(bucket().samples, 1);
+    EXPECT_DOUBLE_EQ(bucket().swapMax, 1.0409212228873383);
+    EXPECT_DOUBLE_EQ(bucket().loadMax, 3.77);
+    EXPECT_EQ(bucket().memFreeMin, 12);
+    EXPECT_EQ(bucket().apps, (HourBucket::Apps{{"Visual Studio Code", 1291}, {"node: server.js", 4895}}));
+    HistoryStore::apply(R"({"findings":["orphan:1","holder:Google Chrome"],"kind":"diagnosis","reclaimableMB":70,)"
+                        R"("session":"0A1B2C3D","t":"2026-03-01T09:30:15Z"})",
+                        day);
+    EXPECT_EQ(bucket().reclaimMB, 70);
+    EXPECT_EQ(bucket().causes, (std::set<std::string, std::less<>>{"holder:Google Chrome", "orphan:1"}));
+}
+
+TEST_F(LineFold, WhatIsReadQuicklyIsWhatTheParserReads) {
+    const std::vector<std::string> lines{
+        R"({"breaches":["a"],"diskFreeGB":80.15,"gpu":-1,"kind":"tick","load":3.7,"memFreePct":12,"procs":500,)"
+        R"("session":"0A1B","swapGB":1.04,"swapOutMBps":1e-05,"t":"2026-03-01T09:30:15Z","top":[["Code",1291],["x",4]]})",
+        R"({"findings":["orphan:1","db:2"],"kind":"diagnosis","reclaimableMB":70,"t":"2026-03-01T09:30:15Z"})",
+        R"({"kind":"tick","swapGB":0,"t":"2026-03-01T09:59:59Z","top":[]})"};
+    const std::string bytes = "\"\\,:[]{}0123456789.-+eEtfnul \t\x01\x7f\xc3\xa9kT";
+    std::mt19937 random{11};
+    const auto below = [&](std::size_t count) {
+        return std::uniform_int_distribution<std::size_t>(0, count - 1)(random);
+    };
+    std::size_t dropped = 0;
+    std::string plainLog, otherLog;
+    for (int round = 0; round < 60000; ++round) {
+        std::string line = lines[below(lines.size())];
+        for (std::size_t changes = below(3) + 1; changes > 0; --changes) {
+            const std::size_t at = below(line.size());
+            switch (below(4)) {
+                case 0: line[at] = bytes[below(bytes.size())]; break;
+                case 1: line.erase(at, below(4) + 1); break;
+                case 2: line.insert(at, 1, bytes[below(bytes.size())]); break;
+                case 3: line.insert(at, line.substr(below(line.size()), below(30))); break;
+            }
+        }
+        if (line.empty() || line[0] != '{') continue;
+        DayAggregate quick, parsed;
+        HistoryStore::apply(line, quick);
+        // A blank behind the brace means nothing to JSON, and makes the line one that is not written plainly.
+        HistoryStore::apply("{ " + line.substr(1), parsed);
+        ASSERT_EQ(quick, parsed) << line;
+        plainLog += line + "\n";
+        otherLog += "{ " + line.substr(1) + "\n";
+        dropped += quick == DayAggregate();
+    }
+    EXPECT_GT(dropped, 10000u);
+    EXPECT_LT(dropped, 59000u);
+
+    // The same in one go, where each line meets what the lines before it have left.
+    const LogFolder folder;
+    folder.append(plainLog, "2026-03-01");
+    folder.append(otherLog, "2026-03-02");
+    DayAggregate quick, parsed;
+    HistoryStore::ingest(quick, folder.logFile("2026-03-01"));
+    HistoryStore::ingest(parsed, folder.logFile("2026-03-02"));
+    EXPECT_EQ(quick.offset, plainLog.size());
+    EXPECT_EQ(quick.hours, parsed.hours);
 }
 
 }  // namespace ravik
