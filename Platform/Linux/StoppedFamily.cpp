@@ -27,7 +27,7 @@ std::vector<Proc> stoppedFamily(const fs::path& procRoot, Pid root) {
     PidSet stopped;
     std::error_code error;
     for (fs::directory_iterator at(procRoot, error); !error && at != fs::directory_iterator(); at.increment(error)) {
-        const std::string& name = at->path().filename().native();
+        const std::string name = at->path().filename().native();
         Pid pid = 0;
         const auto [end, failed] = std::from_chars(name.data(), name.data() + name.size(), pid);
         if (failed != std::errc{} || end != name.data() + name.size()) continue;
