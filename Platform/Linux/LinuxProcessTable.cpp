@@ -117,7 +117,12 @@ void LinuxProcessTable::forget(Entry& entry) {
 
 bool LinuxProcessTable::isDue(const Entry& entry) {
     if (entry.kind != Kind::process || entry.identifiedIn == m_scan) return false;
-    if (m_now - entry.reading.started < youngSeconds || entry.turn == m_scan % turns) return true;
+    if (m_now - entry.reading.started < youngSeconds) return true;
+    if (entry.turn == m_scan % turns) {
+        const bool hasRun = !entry.ticksBefore || clockOf(entry.pid) != entry.ticksBefore;
+        const bool hasOldName = m_options.apps && entry.appGeneration != m_options.apps->generation();
+        if (hasRun || hasOldName || m_swapUsed > 0) return true;
+    }
     if (hasLostParent(entry.reading.ppid)) return true;
     // A parent that is younger than its child took over the pid of the one that has gone.
     const auto parent = m_entries.find(entry.reading.ppid);
@@ -139,7 +144,12 @@ bool LinuxProcessTable::hasLostParent(Pid parent) {
     return m_askedParentLost;
 }
 
+std::optional<std::uint64_t> LinuxProcessTable::clockOf(Pid pid) const {
+    return m_proc.isLive() ? cpuNanoseconds(pid) : std::nullopt;
+}
+
 bool LinuxProcessTable::identify(Entry& entry) {
+    entry.ticksBefore = clockOf(entry.pid);
     const auto text = m_proc.read(entry.pid, "stat", m_buffer);
     const auto stat = text ? parseProcStat(*text) : std::nullopt;
     if (!stat || (entry.isKnown && stat->startTicks != entry.reading.startTicks)) return false;
@@ -231,7 +241,14 @@ bool LinuxProcessTable::measure(Entry& entry) {
     if (entry.measuredIn == m_scan) return true;
     if (!entry.statm) return measurePlainly(entry);
     // The clock first: that the descriptor can still be read proves that the clock was this process's.
-    entry.reading.cpuTicks = cpuNanoseconds(entry.pid);
+    const auto used = cpuNanoseconds(entry.pid);
+    const bool hasRun = !used || used != entry.reading.cpuTicks;
+    const bool mustLook = entry.identifiedIn == m_scan || entry.turn == m_scan % turns;
+    if (!hasRun && !mustLook && entry.swapLooked == m_swapMoves) {
+        entry.measuredIn = m_scan;
+        return true;
+    }
+    entry.reading.cpuTicks = used;
     const auto text = ProcFolder::read(entry.statm, m_buffer);
     const auto statm = text ? parseProcStatm(*text) : std::nullopt;
     if (!statm) return false;
@@ -241,7 +258,7 @@ bool LinuxProcessTable::measure(Entry& entry) {
 }
 
 bool LinuxProcessTable::measurePlainly(Entry& entry) {
-    const auto used = m_proc.isLive() ? cpuNanoseconds(entry.pid) : std::nullopt;
+    const auto used = clockOf(entry.pid);
     const auto text = m_proc.read(entry.pid, "stat", m_buffer);
     const auto stat = text ? parseProcStat(*text) : std::nullopt;
     if (!stat || stat->startTicks != entry.reading.startTicks) return false;
@@ -270,6 +287,7 @@ void LinuxProcessTable::take(Entry& entry, const ProcStatm& statm) {
     const bool moved = pages != entry.anonymousPages;
     entry.anonymousPages = pages;
     entry.hasMemory = statm.hasMemory();
+    entry.swapLooked = m_swapMoves;
     if (m_swapUsed == 0) entry.swapBytes = 0;
     else if (moved && entry.swapSeen != m_swapMoves) readSwap(entry);
     entry.reading.footprintBytes = pages * m_pageBytes + entry.swapBytes;

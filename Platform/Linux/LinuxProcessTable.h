@@ -13,8 +13,10 @@
 namespace ravik::platform {
 
 /// The process table out of /proc, read warm: of a process that is known already, a scan asks only for its CPU clock
-/// and its memory, on a descriptor that stays open. Who it is (parent, owner, arguments) is read again while it is
-/// younger than 30 s, when its parent has gone, and of a twelfth of the others on each scan.
+/// and, where that has moved, for its memory, on a descriptor that stays open. What has not run for a nanosecond has
+/// changed nothing about itself; what the kernel does to its memory meanwhile is seen in turn, and at once while the
+/// machine swaps. Who it is (parent, owner, arguments) is read again while it is younger than 30 s, when its parent
+/// has gone, and of a twelfth of the others on each scan, as far as they have run since.
 ///
 /// list() begins a scan: it forgets who is no longer listed, and what read() takes from then on is of that scan.
 /// Zombies and kernel threads are no processes. CPU ticks are nanoseconds.
@@ -62,6 +64,8 @@ private:
         std::uint64_t measuredIn = 0;
 
         ProcessReading reading;
+        /// The clock just before it was last identified: as long as it stands there, nothing is new.
+        std::optional<std::uint64_t> ticksBefore;
         std::string comm;
         std::uint64_t image = 0;
         std::size_t argumentsHash = 0;
@@ -80,13 +84,17 @@ private:
         std::int64_t residentPages = -1;
         bool hasMemory = false;
         std::uint64_t swapBytes = 0;
+        /// The count of the machine's swap moves when the swapped part, and when the memory, was read.
         std::uint64_t swapSeen = 0;
+        std::uint64_t swapLooked = 0;
     };
 
     Entry* refresh(Pid pid);
     bool admit(Entry& entry);
     bool isDue(const Entry& entry);
     bool hasLostParent(Pid parent);
+    /// Absent in a captured copy.
+    std::optional<std::uint64_t> clockOf(Pid pid) const;
     /// Who the process is; false if it has gone. By pid, so a measurement has to follow.
     bool identify(Entry& entry);
     void describe(Entry& entry, const ProcStat& stat, std::string_view area);
