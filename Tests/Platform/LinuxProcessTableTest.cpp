@@ -68,7 +68,7 @@ struct LinuxProcessTableTest : testing::TestWithParam<std::size_t> {
 };
 
 // Writes over the arguments of the calling process, as servers do to tell what they are at.
-void writeTitle(std::string_view title) {
+void writeTitle(const char* title) {
     const std::string stat = readFile("/proc/self/stat").value_or("");
     std::vector<std::string> fields;
     std::size_t at = stat.rfind(')') + 2;
@@ -81,7 +81,8 @@ void writeTitle(std::string_view title) {
     auto* begin = reinterpret_cast<char*>(std::stoull(fields[45]));
     auto* end = reinterpret_cast<char*>(std::stoull(fields[46]));
     std::memset(begin, 0, static_cast<std::size_t>(end - begin));
-    std::memcpy(begin, title.data(), title.size());
+    // Where the area is short it runs on into the environment, and the kernel follows it there.
+    std::strcpy(begin, title);
 }
 
 }  // namespace
