@@ -69,14 +69,14 @@ void readAll(const std::vector<Grown>& grown, std::uint64_t bytes) {
     };
     const std::uint64_t cores = std::clamp(std::thread::hardware_concurrency(), 1u, 4u);
     const std::uint64_t threads = std::min({cores, std::uint64_t{grown.size()}, bytes / worthAThread});
-    std::vector<std::thread> helpers;
+    std::vector<std::thread> others;
     try {
-        while (helpers.size() + 1 < threads) helpers.emplace_back(work);
+        while (others.size() + 1 < threads) others.emplace_back(work);
     } catch (const std::system_error&) {
         // As many as the system gives.
     }
     work();
-    for (std::thread& helper : helpers) helper.join();
+    for (std::thread& other : others) other.join();
 }
 
 }  // namespace
