@@ -1,3 +1,4 @@
+#include "Cli/AutopilotCommand.h"
 #include "Cli/Command.h"
 #include "Cli/EndCommand.h"
 #include "Cli/Help.h"
@@ -14,6 +15,7 @@ namespace {
 
 constexpr Option json{"--json", "print one JSON value"};
 constexpr Option logs{"--logs", "a log folder in place of the program's own", "DIR"};
+constexpr Option rule{"RULE", "pause or demote", {}, true};
 constexpr Option yes{"--yes", "answer the question with yes, for scripts"};
 
 }  // namespace
@@ -69,6 +71,12 @@ const std::vector<Command>& commands() {
           {"--cache", "the folder of folded days, in place of the program's own", "DIR"},
           {"--now", "seconds since 1970 that stand for now", "T"}},
          runHistory},
+        {"autopilot",
+         "What the Autopilot would have done, how often it was right, and which rules are on",
+         {json, logs},
+         runAutopilot},
+        {"autopilot approve", "Turn a rule on that has shown to be right", {rule, logs}, runAutopilotApprove},
+        {"autopilot withdraw", "Turn a rule off", {rule, logs}, runAutopilotWithdraw},
         {"report",
          "Exactly what the usage report of a day would hold; nothing is sent",
          {json, logs, {"--day", "a day as 2026-03-01, today if not told", "D"}},

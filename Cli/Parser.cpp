@@ -58,8 +58,11 @@ void declare(CLI::App& app, const Command& command, Parsed& parsed) {
 Arguments collect(const CLI::App& app, const Command& command) {
     Arguments arguments;
     for (const Option& option : command.options) {
-        const CLI::Option* given = app.get_option_no_throw(std::string(option.name));
-        if (given && given->count() > 0) arguments.set(std::string(option.name), given->results());
+        // One that stands before the last word of the command's name counts as well.
+        for (const CLI::App* at = &app; at && !arguments.has(option.name); at = at->get_parent()) {
+            const CLI::Option* given = at->get_option_no_throw(std::string(option.name));
+            if (given && given->count() > 0) arguments.set(std::string(option.name), given->results());
+        }
     }
     return arguments;
 }
