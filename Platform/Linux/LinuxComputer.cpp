@@ -11,6 +11,7 @@
 #include "Platform/Linux/FileTrash.h"
 #include "Platform/Linux/Folders.h"
 #include "Platform/Linux/GLibLoop.h"
+#include "Platform/Linux/LinuxLevers.h"
 #include "Platform/Linux/LinuxMachine.h"
 #include "Platform/Linux/LinuxProcessTable.h"
 #include "Platform/Linux/LinuxServices.h"
@@ -23,16 +24,6 @@
 namespace ravik::platform {
 
 namespace {
-
-/// Pulls nothing.
-class NoLevers : public Levers {
-public:
-    Pids pause(const std::string&, const std::vector<Proc>&) override { return {}; }
-    void resume(const Pids&) override {}
-    Pids demote(const std::string&, const std::vector<Proc>&) override { return {}; }
-    void restore(const Pids&) override {}
-    std::vector<Leftover> releaseLeftovers() override { return {}; }
-};
 
 /// This computer, put together out of its parts. The loop is made last and goes first: what runs beside it needs
 /// the others.
@@ -47,8 +38,9 @@ public:
           m_workspace(makeWorkspace(workspaceOptions())),
           m_settings(m_folders.settings),
           m_watchLock(m_folders.runtime, std::move(name), geteuid()),
-          m_platform{m_processes, m_machine,  m_signals, m_levers, m_services, *m_workspace, m_notifier,
-                     m_settings,  m_trash,    m_loop,    m_clock,  m_watchLock, m_folders} {}
+          m_levers(m_signals, leverOptions()),
+          m_platform{m_processes, m_machine, m_signals, m_levers, m_services,  *m_workspace, m_notifier,
+                     m_settings,  m_trash,   m_loop,    m_clock,  m_watchLock, m_folders} {}
 
     Platform& platform() override { return m_platform; }
     Terminal& terminal() override { return m_terminal; }
@@ -74,6 +66,16 @@ private:
         options.self = getpid();
         options.isToolHelper = m_rules.isToolHelper;
         options.applications = &m_apps;
+        return options;
+    }
+
+    LeverOptions leverOptions() {
+        LeverOptions options;
+        options.folder = m_folders.runtime;
+        options.uid = geteuid();
+        options.self = getpid();
+        options.bus = environment("DBUS_SESSION_BUS_ADDRESS").value_or("");
+        options.now = [this] { return m_clock.now(); };
         return options;
     }
 
@@ -103,7 +105,7 @@ private:
     FileTrash m_trash;
     PosixTerminal m_terminal;
     WatcherLock m_watchLock;
-    NoLevers m_levers;
+    LinuxLevers m_levers;
     GLibLoop m_loop;
     Platform m_platform;
 };
