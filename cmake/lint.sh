@@ -15,7 +15,7 @@ done
 
 # The version matters to the format: 16 where the system offers a choice.
 tool() { command -v "$1-16" || command -v "$1"; }
-sources() { find "${folders[@]}" \( -name '*.cpp' -o -name '*.h' \) -print0 2>/dev/null; }
+sources() { find "${folders[@]}" \( -name "*.cpp" -o -name "*.h" \) -print0 2>/dev/null || true; }
 changed() {
     local base
     base=$(git merge-base HEAD main 2>/dev/null || git merge-base HEAD origin/main)
@@ -27,7 +27,11 @@ status=0
 if [[ $fix ]]; then
     sources | xargs -0 "$(tool clang-format)" -i
 else
-    sources | xargs -0 "$(tool clang-format)" --dry-run -Werror || status=1
+    unformatted=$(sources | xargs -0 "$(tool clang-format)" --dry-run 2>&1 | sed -n 's/:[0-9:]* warning.*//p' | sort -u)
+    if [[ $unformatted ]]; then
+        printf 'Not formatted as .clang-format tells (./dev lint --fix does it):\n%s\n' "$unformatted" >&2
+        status=1
+    fi
 fi
 cmake/check-arrows.sh || status=1
 { if [[ $all || ${CI:-} ]]; then sources | grep -z '\.cpp$'; else changed; fi; } |
