@@ -55,6 +55,9 @@ template <typename... F>
 struct Overloaded : F... {
     using F::operator()...;
 };
+// Clang before 17 deduces none for an aggregate.
+template <typename... F>
+Overloaded(F...) -> Overloaded<F...>;
 
 }  // namespace
 
