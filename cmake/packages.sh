@@ -79,8 +79,9 @@ install_packages() {  # COLUMN PACKAGE...
     case $column in
         1)
             as_root apt-get update -qq
+            # A build machine is thrown away: nothing on it needs to survive a power cut.
             as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
-                -o DPkg::Lock::Timeout=300 "$@" </dev/null
+                -o DPkg::Lock::Timeout=300 -o Dpkg::Use-Pty=0 ${CI:+-o Dpkg::Options::=--force-unsafe-io} "$@" </dev/null
             ;;
         2) as_root dnf install -y "$@" ;;
         3) as_root pacman -S --noconfirm --needed "$@" ;;

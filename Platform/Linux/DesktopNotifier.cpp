@@ -40,7 +40,7 @@ DesktopNotifier::~DesktopNotifier() {
 
 bool DesktopNotifier::connect() {
     if (m_bus && !g_dbus_connection_is_closed(m_bus)) return true;
-    if (m_bus) g_clear_object(&m_bus);
+    g_clear_object(&m_bus);
     // Without an address the library would start a bus of its own.
     if (!g_getenv("DBUS_SESSION_BUS_ADDRESS")) return false;
     m_bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
