@@ -18,6 +18,7 @@
 #include "Platform/Linux/PidfdSignals.h"
 #include "Platform/Linux/PosixTerminal.h"
 #include "Platform/Linux/ReadFile.h"
+#include "Platform/Linux/SessionBus.h"
 #include "Platform/Linux/SettingsFile.h"
 #include "Platform/Linux/WatcherLock.h"
 
@@ -69,12 +70,12 @@ private:
         return options;
     }
 
-    LeverOptions leverOptions() {
+    LeverOptions leverOptions() const {
         LeverOptions options;
         options.folder = m_folders.runtime;
         options.uid = geteuid();
         options.self = getpid();
-        options.bus = environment("DBUS_SESSION_BUS_ADDRESS").value_or("");
+        options.bus = sessionBusAddress();
         options.now = [this] { return m_clock.now(); };
         return options;
     }
