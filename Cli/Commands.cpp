@@ -1,5 +1,6 @@
 #include "Cli/AutopilotCommand.h"
 #include "Cli/Command.h"
+#include "Cli/DiskCommands.h"
 #include "Cli/EndCommand.h"
 #include "Cli/Help.h"
 #include "Cli/HistoryCommands.h"
@@ -16,6 +17,7 @@ namespace {
 constexpr Option json{"--json", "print one JSON value"};
 constexpr Option logs{"--logs", "a log folder in place of the program's own", "DIR"};
 constexpr Option rule{"RULE", "pause or demote", {}, true};
+constexpr Option root{"--root", "look for projects here in place of the usual folders", "DIR", false, true};
 constexpr Option yes{"--yes", "answer the question with yes, for scripts"};
 
 }  // namespace
@@ -63,6 +65,11 @@ const std::vector<Command>& commands() {
          {{"KEY", "its name, as ravik settings shows it", {}, true}, {"VALUE", "the new value", {}, true}},
          runSettingsSet},
         {"settings reset", "Back to the defaults, but for the rule that ends leftovers", {}, runSettingsReset},
+        {"disk", "Caches and stale build folders that can go to the Trash", {json, root}, runDisk},
+        {"disk trash",
+         "Move what ravik disk lists to the Trash, after a question",
+         {{"PATH", "a folder that is listed", {}, true, true}, yes, root},
+         runDiskTrash},
         {"history",
          "Did memory pressure fall after something was done: headline, lanes, events, the week",
          {{"--span", "day or week", "SPAN"},
