@@ -67,14 +67,19 @@ std::optional<Decision> Engine::judge(const AppGroup& group, const Conditions& c
 std::optional<Decision> Engine::leftovers(const Snapshot& snapshot, const Host& host, Time clock) const {
     const auto ended = std::ranges::find(snapshot.sessions, false, &AgentSession::alive);
     if (ended == snapshot.sessions.end()) return std::nullopt;
+    std::vector<const Proc*> old;
+    for (const Proc& member : ended->members) {
+        if (keep.contains(member.command.str()) || !(clock - member.started >= leftoverHours * 3600.0)) continue;
+        old.push_back(&member);
+    }
+    if (old.empty()) return std::nullopt;
     const ProcessIndex index(snapshot.processes);
     TreeJudge judge(index, host);
     Decision decision{Decision::Action::end, "agent leftovers", {}, 0, {}};
-    for (const Proc& member : ended->members) {
-        if (keep.contains(member.command.str()) || !(clock - member.started >= leftoverHours * 3600.0)) continue;
-        if (!judge.check(member.id).isSafe()) continue;
-        decision.pids.push_back(member.id);
-        decision.gainBytes += member.footprintBytes;
+    for (const Proc* member : old) {
+        if (!judge.check(member->id).isSafe()) continue;
+        decision.pids.push_back(member->id);
+        decision.gainBytes += member->footprintBytes;
     }
     if (decision.pids.empty()) return std::nullopt;
     decision.reason = fmt::format("{} processes from ended sessions, older than {:.0f} h", decision.pids.size(),
@@ -93,8 +98,10 @@ std::vector<Decision> Engine::decide(const Snapshot& snapshot, const History& hi
     }
     std::vector<Decision> decisions;
     for (const AppGroup& group : snapshot.groups) {
-        if (isUntouchable(group, foreground, sessionPids, host.tables())) continue;
-        if (auto decision = judge(group, current, history, host, now)) decisions.push_back(std::move(*decision));
+        // Few groups are worth a decision, and telling whether one may be touched takes a look at each command.
+        auto decision = judge(group, current, history, host, now);
+        if (!decision || isUntouchable(group, foreground, sessionPids, host.tables())) continue;
+        decisions.push_back(std::move(*decision));
     }
     if (auto decision = leftovers(snapshot, host, clock)) decisions.push_back(std::move(*decision));
     std::ranges::stable_sort(decisions, [](const Decision& a, const Decision& b) {
