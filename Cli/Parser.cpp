@@ -5,6 +5,8 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
+#include "Cli/Table.h"
+
 namespace ravik::cli {
 
 namespace {
@@ -29,6 +31,8 @@ CLI::App* subcommand(CLI::App& root, std::string_view path) {
     while (!path.empty()) {
         const std::size_t blank = path.find(' ');
         const std::string word(path.substr(0, blank));
+        // Behind one word of a family, another of its words is a value.
+        app->require_subcommand(0, 1);
         app = below(*app, word);
         path = blank == std::string_view::npos ? std::string_view{} : path.substr(blank + 1);
     }
@@ -39,7 +43,8 @@ void declare(CLI::App& app, const Command& command, Parsed& parsed) {
     for (const Option& option : command.options) {
         const std::string name(option.name);
         if (option.value.empty() && !option.isPositional()) {
-            app.add_flag(name);
+            // "--yes=false" must not pass for a yes.
+            app.add_flag(name)->disable_flag_override();
             continue;
         }
         CLI::Option* declared = nullptr;
@@ -81,7 +86,7 @@ const Command* reached(const CLI::App& root, const CLI::App*& leaf) {
 }
 
 int refuse(Context& context, const Command* command, std::string_view why) {
-    std::string line(why.substr(0, why.find('\n')));
+    const std::string line = printable(why.substr(0, why.find('\n')));
     if (command) {
         context.err << fmt::format("ravik {}: {} (expected: {}; see ravik help {})\n", command->name, line,
                                    usage(*command), command->name);
@@ -95,6 +100,14 @@ int refuse(Context& context, const Command* command, std::string_view why) {
 
 int dispatch(Context& context, const std::vector<std::string>& words) {
     std::vector<std::string> given = words;
+    if (given.size() > 1 && (given.back() == "--help" || given.back() == "-h")) {
+        given.pop_back();
+        if (findCommand(fmt::format("{}", fmt::join(given, " ")))) {
+            given.emplace(given.begin(), "help");
+        } else {
+            given.emplace_back("--help");
+        }
+    }
     if (!given.empty() && (given.front() == "--help" || given.front() == "-h")) given.front() = "help";
     if (!given.empty() && given.front() == "--version") given.front() = "version";
     if (given.empty() || given.front().starts_with('-')) given.emplace(given.begin(), defaultCommand);
@@ -112,13 +125,11 @@ int dispatch(Context& context, const std::vector<std::string>& words) {
 
     const CLI::App* leaf = &root;
     try {
-        std::vector<std::string> reversed(given.rbegin(), given.rend());
-        if (given.size() == 2 && (given.back() == "--help" || given.back() == "-h")) reversed = {given.front(), "help"};
-        root.parse(reversed);
+        root.parse(std::vector<std::string>(given.rbegin(), given.rend()));
     } catch (const CLI::ParseError& error) {
         const Command* command = reached(root, leaf);
         if (!command) command = findCommand(given.front());
-        if (!command) return refuse(context, nullptr, fmt::format("there is no command \"{}\"", given.front()));
+        if (!command) return refuse(context, nullptr, fmt::format("there is no command \"{}\"", printable(given.front())));
         return refuse(context, command, error.what());
     }
     const Command* command = reached(root, leaf);

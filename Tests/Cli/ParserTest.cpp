@@ -44,6 +44,33 @@ TEST_F(ParserTest, ARefusalNamesTheHelpOfItsCommand) {
     EXPECT_NE(call({"end"}).err.find("ravik end PID"), std::string::npos);
 }
 
+TEST_F(ParserTest, ARefusalCannotSteerTheTerminal) {
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"\x1b[31m\n\xff"}, {"ps", "--\x1b[31m"}, {"end", "1", "\x1b]0;x\a"}}) {
+        const Result result = call(words);
+        EXPECT_EQ(result.status, wrongWords);
+        EXPECT_EQ(result.err.find_first_of("\x1b\a\xff"), std::string::npos) << result.err;
+        EXPECT_EQ(std::ranges::count(result.err, '\n'), 1) << result.err;
+    }
+}
+
+TEST_F(ParserTest, AFlagTakesNoValue) {
+    orphan(200, "server");
+    const Result result = call({"free", "--yes=false"});
+    EXPECT_EQ(result.status, wrongWords);
+    EXPECT_NE(machine.processes.find(200), nullptr);
+    EXPECT_EQ(call({"keep", "--json=0"}).status, wrongWords);
+}
+
+TEST_F(ParserTest, ACommandsWordIsAValueWhereOneIsExpected) {
+    EXPECT_EQ(call({"keep", "add", "list"}).status, done);
+    EXPECT_EQ(call({"keep", "list"}).out, "list\n");
+    EXPECT_EQ(call({"keep", "add", "--", "--add"}).status, done);
+    EXPECT_EQ(call({"keep", "--json", "list"}).out, "[\"--add\",\"list\"]\n");
+    orphan(200, "watch");
+    EXPECT_NE(call({"ps", "watch"}).out.find("/tmp/watch"), std::string::npos);
+}
+
 TEST_F(ParserTest, HelpKnowsEveryCommand) {
     const std::string all = call({"help"}).out;
     for (const Command& command : commands()) {
@@ -73,6 +100,9 @@ TEST_F(ParserTest, ManPageAndCompletionsKnowEveryCommand) {
 TEST_F(ParserTest, TheUsualWordsForHelpAndVersionWork) {
     EXPECT_EQ(call({"--help"}).out, call({"help"}).out);
     EXPECT_EQ(call({"end", "--help"}).out, call({"help", "end"}).out);
+    EXPECT_EQ(call({"settings", "set", "-h"}).out, call({"help", "settings", "set"}).out);
+    EXPECT_EQ(call({"keep", "--help"}).out, call({"help", "keep"}).out);
+    EXPECT_EQ(call({"dance", "--help"}).status, wrongWords);
     EXPECT_EQ(call({"--version"}).out, call({"version"}).out);
     EXPECT_EQ(call({"version"}).out, "ravik " RAVIK_VERSION "\n");
 }
