@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iostream>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -36,6 +37,7 @@ struct Context {
     std::ostream& err;
     /// Colour only on a terminal, and never with NO_COLOR.
     bool colour = false;
+    std::istream& in = std::cin;
 
     Platform& platform() const { return computer.platform(); }
     Time now() const { return computer.platform().clock.now(); }

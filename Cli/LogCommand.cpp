@@ -14,13 +14,14 @@ int runLog(Context& context, const Arguments& arguments) {
     LogTail tail(context.platform().folders.log, arguments.values("--kind"));
     const auto print = [&] {
         tail.read([&](std::string_view line) { context.out << line << '\n'; });
-        context.out.flush();
+        return !context.out.flush().fail() && !context.computer.terminal().hasLostReader();
     };
-    print();
-    if (!arguments.has("-f")) return done;
+    if (!print() || !arguments.has("-f")) return done;
     MainLoop& loop = context.platform().loop;
     context.computer.onTermination([&loop] { loop.quit(); });
-    const auto timer = loop.every(followSeconds, print);
+    const auto timer = loop.every(followSeconds, [&] {
+        if (!print()) loop.quit();
+    });
     loop.run();
     loop.cancel(timer);
     return done;

@@ -96,6 +96,13 @@ int refuse(Context& context, const Command* command, std::string_view why) {
     return wrongWords;
 }
 
+/// What was printed has arrived. A reader that has seen enough needs no word about it.
+bool isDelivered(Context& context) {
+    if (context.out.flush()) return true;
+    if (!context.computer.terminal().hasLostReader()) context.err << "ravik: the output could not be written\n";
+    return false;
+}
+
 }  // namespace
 
 int dispatch(Context& context, const std::vector<std::string>& words) {
@@ -134,7 +141,8 @@ int dispatch(Context& context, const std::vector<std::string>& words) {
     }
     const Command* command = reached(root, leaf);
     if (!command) return refuse(context, nullptr, fmt::format("\"{}\" needs one of its commands", given.front()));
-    return command->run(context, collect(*leaf, *command));
+    const int status = command->run(context, collect(*leaf, *command));
+    return isDelivered(context) || status != done ? status : couldNot;
 }
 
 }  // namespace ravik::cli

@@ -174,7 +174,8 @@ int runSessions(Context& context, const Arguments& arguments) {
 
 int runReplay(Context& context, const Arguments& arguments) {
     const std::string path = *arguments.value("FILE");
-    const CaptureResult read = readCaptureFile(path == "-" ? "/dev/stdin" : path, context.host.kind);
+    const CaptureResult read = path == "-" ? readCaptureStream(context.in, "standard input", context.host.kind)
+                                           : readCaptureFile(path, context.host.kind);
     if (!read.capture) {
         context.err << printable(read.error) << "\n";
         return couldNot;

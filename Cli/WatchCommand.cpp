@@ -68,12 +68,12 @@ int runWatch(Context& context, const Arguments& arguments) {
     Monitor monitor(context.platform(), context.log, context.host, Monitor::Role::watcher);
     if (interval) monitor.setInterval(*interval);
     const bool json = arguments.has("--json");
+    MainLoop& loop = context.platform().loop;
     monitor.observe([&](Monitor::Change change) {
         if (change != Monitor::Change::snapshot) return;
         context.out << (json ? tickObject(monitor.snapshot()) : statusLine(monitor.snapshot(), context.colour)) << "\n";
-        context.out.flush();
+        if (!context.out.flush()) loop.quit();
     });
-    MainLoop& loop = context.platform().loop;
     context.computer.onTermination([&loop] { loop.quit(); });
     monitor.start();
     monitor.watchFocus();

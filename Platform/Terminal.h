@@ -13,6 +13,8 @@ public:
     virtual bool canAsk() const = 0;
     /// True if standard output is a terminal.
     virtual bool isOutput() const = 0;
+    /// True if standard output is a pipe whose reader has ended.
+    virtual bool hasLostReader() const = 0;
     /// Columns of standard output; 80 where there are none.
     virtual int columns() const = 0;
     /// One line of standard input without its line feed; absent at its end and when the wait is interrupted

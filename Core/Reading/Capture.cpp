@@ -192,23 +192,24 @@ CaptureResult readCapture(std::string_view text, HostKind machine) {
     return result;
 }
 
-CaptureResult readCaptureFile(const std::filesystem::path& path, HostKind machine) {
-    const auto refused = [&](const std::string& why) {
-        std::string name = path.string();
-        std::ranges::replace_if(name, [](unsigned char byte) { return byte < ' ' || byte == 0x7F; }, '?');
-        return CaptureResult{{}, fmt::format("{}: {}", name, why)};
-    };
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    if (!file) return refused(std::generic_category().message(errno));
+CaptureResult readCaptureStream(std::istream& stream, const std::string& name, HostKind machine) {
     std::string text;
     std::array<char, 1 << 16> block{};
-    while (file.read(block.data(), block.size()) || file.gcount() > 0) {
-        text.append(block.data(), static_cast<std::size_t>(file.gcount()));
-        if (text.size() > largestFile) return refused("larger than 1 GiB");
+    while (stream.read(block.data(), block.size()) || stream.gcount() > 0) {
+        text.append(block.data(), static_cast<std::size_t>(stream.gcount()));
+        if (text.size() > largestFile) return {{}, name + ": larger than 1 GiB"};
     }
-    if (file.bad()) return refused("cannot be read");
+    if (stream.bad()) return {{}, name + ": cannot be read"};
     return readCapture(text, machine);
+}
+
+CaptureResult readCaptureFile(const std::filesystem::path& path, HostKind machine) {
+    std::string name = path.string();
+    std::ranges::replace_if(name, [](unsigned char byte) { return byte < ' ' || byte == 0x7F; }, '?');
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    if (!file) return {{}, fmt::format("{}: {}", name, std::generic_category().message(errno))};
+    return readCaptureStream(file, name, machine);
 }
 
 }  // namespace ravik

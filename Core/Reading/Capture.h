@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <istream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,7 +40,9 @@ struct CaptureResult {
 /// stands where the capture does not say whose tables apply. Any bytes may be given.
 CaptureResult readCapture(std::string_view json, HostKind machine);
 
-/// The same from a file, of 1 GiB at most.
+/// The same from a stream, which an error calls `name`. Of 1 GiB at most.
+CaptureResult readCaptureStream(std::istream& stream, const std::string& name, HostKind machine);
+/// The same from a file.
 CaptureResult readCaptureFile(const std::filesystem::path& path, HostKind machine);
 
 /// The JSON form of a capture.

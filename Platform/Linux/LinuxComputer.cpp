@@ -20,6 +20,7 @@
 #include "Platform/Linux/ReadFile.h"
 #include "Platform/Linux/SessionBus.h"
 #include "Platform/Linux/SettingsFile.h"
+#include "Platform/Linux/StandardStreams.h"
 #include "Platform/Linux/WatcherLock.h"
 
 namespace ravik::platform {
@@ -118,6 +119,7 @@ private:
 namespace ravik {
 
 std::unique_ptr<Computer> makeComputer(CoreRules rules, std::string name) {
+    platform::secureStandardStreams();
     return std::make_unique<platform::LinuxComputer>(std::move(rules), std::move(name));
 }
 

@@ -47,6 +47,11 @@ bool PosixTerminal::canAsk() const { return isatty(STDIN_FILENO) && isatty(STDER
 
 bool PosixTerminal::isOutput() const { return isatty(STDOUT_FILENO); }
 
+bool PosixTerminal::hasLostReader() const {
+    pollfd output{STDOUT_FILENO, 0, 0};
+    return poll(&output, 1, 0) == 1 && (output.revents & POLLERR) != 0;
+}
+
 int PosixTerminal::columns() const {
     winsize size{};
     return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;

@@ -9,6 +9,7 @@ class PosixTerminal : public Terminal {
 public:
     bool canAsk() const override;
     bool isOutput() const override;
+    bool hasLostReader() const override;
     int columns() const override;
     std::optional<std::string> readLine() override;
 };

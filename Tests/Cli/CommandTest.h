@@ -26,8 +26,10 @@ protected:
 
     Result call(const std::vector<std::string>& words) {
         std::ostringstream out;
+        if (outputIsBroken) out.setstate(std::ios::badbit);
         std::ostringstream err;
-        Context context{computer, logFolder.log, machine.host, out, err};
+        std::istringstream in(input);
+        Context context{computer, logFolder.log, machine.host, out, err, false, in};
         const int status = dispatch(context, words);
         return {status, out.str(), err.str()};
     }
@@ -43,6 +45,10 @@ protected:
         return machine.processes.add(process);
     }
 
+    /// What standard input holds.
+    std::string input;
+    /// Whatever is printed fails, as on a full disk.
+    bool outputIsBroken = false;
     fakes::FakeComputer computer;
     fakes::FakeMachine& machine = computer.machine;
     fakes::LogFolder logFolder{machine.clock};

@@ -41,4 +41,14 @@ TEST_F(LogCommand, FollowsWholeLinesAndNewDays) {
     EXPECT_EQ(call({"log", "-f"}).out, "{\"kind\":\"a\"}\n{\"kind\":\"b\"}\n{\"kind\":\"c\"}\n");
 }
 
+TEST_F(LogCommand, EndsWhenNobodyReadsAnyMore) {
+    append("2026-03-01", "{\"kind\":\"a\"}\n");
+    machine.loop.after(2, [this] { computer.fakeTerminal.lostReader = true; });
+    const Time begin = machine.clock.now();
+    EXPECT_EQ(call({"log", "-f"}).out, "{\"kind\":\"a\"}\n");
+    EXPECT_LE(machine.clock.now() - begin, 2.5);
+    outputIsBroken = true;
+    EXPECT_EQ(call({"log", "-f"}).status, couldNot);
+}
+
 }  // namespace ravik::cli

@@ -71,6 +71,18 @@ TEST_F(ParserTest, ACommandsWordIsAValueWhereOneIsExpected) {
     EXPECT_NE(call({"ps", "watch"}).out.find("/tmp/watch"), std::string::npos);
 }
 
+TEST_F(ParserTest, OutputThatDoesNotArriveIsAFailure) {
+    outputIsBroken = true;
+    const Result full = call({"apps"});
+    EXPECT_EQ(full.status, couldNot);
+    EXPECT_EQ(full.err, "ravik: the output could not be written\n");
+    computer.fakeTerminal.lostReader = true;
+    const Result unread = call({"apps"});
+    EXPECT_EQ(unread.status, couldNot);
+    EXPECT_EQ(unread.err, "");
+    EXPECT_EQ(call({"end", "x"}).status, wrongWords);
+}
+
 TEST_F(ParserTest, HelpKnowsEveryCommand) {
     const std::string all = call({"help"}).out;
     for (const Command& command : commands()) {

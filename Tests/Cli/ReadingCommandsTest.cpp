@@ -57,6 +57,16 @@ TEST_F(ReadingCommands, ABadCaptureIsRefusedInOneLine) {
     EXPECT_EQ(call({"diagnose", "--capture", "/nonexistent/x"}).status, couldNot);
 }
 
+TEST_F(ReadingCommands, ADashReplaysStandardInput) {
+    input = R"({"stats":{"swapUsedBytes":0,"swapOutBytesPerSec":0,"memoryFreePercent":50,"diskFreeBytes":107374182400,
+        "loadAverage":0,"cpuCount":8,"gpuPercent":-1},"now":1,"uid":1,"ramBytes":1,"processes":[]})";
+    const Result result = call({"replay", "-"});
+    EXPECT_EQ(result.status, done) << result.err;
+    EXPECT_EQ(json::parse(result.out)["findings"], json::array());
+    input.clear();
+    EXPECT_EQ(call({"replay", "-"}).status, couldNot);
+}
+
 TEST_F(ReadingCommands, AppsAndProcessesAreRows) {
     orphan(200, "server");
     orphan(300, "postgres");

@@ -72,4 +72,13 @@ TEST_F(WatchCommand, LetsGoOfTheLockAndOfWhatItHolds) {
     EXPECT_EQ(release["target"], "burner");
 }
 
+TEST_F(WatchCommand, EndsInOrderWhenNobodyReadsAnyMore) {
+    outputIsBroken = true;
+    computer.fakeTerminal.lostReader = true;
+    const Time begin = machine.clock.now();
+    EXPECT_EQ(watch({}, 60).status, couldNot);
+    EXPECT_LT(machine.clock.now() - begin, 5);
+    EXPECT_FALSE(machine.watchLock.held);
+}
+
 }  // namespace ravik::cli

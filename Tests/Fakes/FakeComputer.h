@@ -13,6 +13,7 @@ class FakeTerminal : public Terminal {
 public:
     bool canAsk() const override { return interactive; }
     bool isOutput() const override { return interactive; }
+    bool hasLostReader() const override { return lostReader; }
     int columns() const override { return 80; }
     std::optional<std::string> readLine() override {
         if (typed.empty()) return {};
@@ -22,6 +23,7 @@ public:
     }
 
     bool interactive = true;
+    bool lostReader = false;
     /// Absent: the end of input, or Ctrl-C.
     std::deque<std::optional<std::string>> typed;
 };
