@@ -1,4 +1,6 @@
 // The fixes of Monitor: the last look, the gate, the signals, and what is written down about them.
+#include <cmath>
+
 #include <nlohmann/json.hpp>
 
 #include "Core/Base/Iso8601.h"
@@ -167,7 +169,13 @@ void Monitor::loadLastFix() {
     const auto at = stored->find("at");
     const auto line = stored->find("line");
     if (at == stored->end() || line == stored->end() || !at->is_string() || !line->is_string()) return;
-    if (const auto time = Iso8601::parse(at->get<std::string>())) m_lastFix = LastFix{*time, line->get<std::string>()};
+    const auto time = Iso8601::parse(at->get<std::string>());
+    if (!time) return;
+    const LastFix fix{*time, line->get<std::string>()};
+    // The stored time is cut to the second: the own fix, read back, is no news.
+    if (m_lastFix && m_lastFix->line == fix.line && std::floor(m_lastFix->at) == fix.at) return;
+    m_lastFix = fix;
+    publish(Change::lastFix);
 }
 
 }  // namespace ravik

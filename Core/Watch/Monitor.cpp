@@ -27,11 +27,13 @@ Monitor::Monitor(Platform& platform, Log& log, Host host, Role role)
       m_role(role),
       m_readers(std::make_shared<Readers>(platform)),
       m_ramBytes(platform.machine.installedBytes()),
-      m_snapshot(std::make_shared<Snapshot>()),
       m_trend(std::make_shared<Trend>()),
       m_ledger(platform.levers),
       m_self(std::make_shared<Monitor*>(this)) {
     m_engineHistory.observedSince = platform.clock.now();
+    auto placeholder = std::make_shared<Snapshot>();
+    placeholder->takenAt = platform.clock.now();
+    m_snapshot = std::move(placeholder);
     loadLastFix();
     loadThresholds();
 }
@@ -58,7 +60,10 @@ void Monitor::refresh() {
         return;
     }
     m_inFlight = true;
-    if (m_platform.defaults.changed()) loadThresholds();
+    if (m_platform.defaults.changed()) {
+        loadThresholds();
+        loadLastFix();
+    }
     m_platform.loop.background(
         [readers = m_readers, self = m_self, loop = &m_platform.loop, reading = prepare()]() mutable {
             loop->post([self, tick = std::make_shared<Tick>(take(*readers, std::move(reading)))] {
@@ -174,16 +179,15 @@ void Monitor::setThresholds(const Thresholds& thresholds) {
 
 void Monitor::loadThresholds() {
     const auto stored = m_platform.defaults.get(thresholdsKey);
-    if (!stored) return;
-    const auto thresholds = Thresholds::decode(*stored);
-    if (!thresholds) return;
-    m_thresholds = *thresholds;
-    if (m_role == Role::watcher) m_platform.defaults.set(thresholdsKey, m_thresholds.encode());
+    const auto thresholds = stored ? Thresholds::decode(*stored) : std::nullopt;
+    // What was taken away or made unreadable while the program runs counts as absent, as at the next start.
+    m_thresholds = thresholds.value_or(Thresholds{});
+    if (thresholds && m_role == Role::watcher) m_platform.defaults.set(thresholdsKey, m_thresholds.encode());
     publish(Change::thresholds);
 }
 
 void Monitor::setInterval(double seconds) {
-    m_interval = std::max(seconds, shortestInterval);
+    m_interval = seconds > shortestInterval ? seconds : shortestInterval;
     if (m_timer) start();
     publish(Change::interval);
 }

@@ -70,7 +70,7 @@ public:
     /// Stores them as well.
     void setThresholds(const Thresholds& thresholds);
     double interval() const { return m_interval; }
-    /// Seconds; never stored. A running timer starts anew, with a tick at once. Below 1 ms counts as 1 ms.
+    /// Seconds; never stored. A running timer starts anew, with a tick at once. Below 1 ms, or no number, counts as 1 ms.
     void setInterval(double seconds);
     std::uint64_t ramBytes() const { return m_ramBytes; }
     const Host& host() const { return m_host; }

@@ -66,7 +66,9 @@ std::optional<fs::path> userFolder(std::string_view userDirs, std::string_view n
 }
 
 Folders linuxFolders(const Environment& environment) {
-    const fs::path home = absolute(environment, "HOME").value_or(environment.databaseHome);
+    // A user whom no database knows has the root for a home, never the folder the program happens to stand in.
+    const fs::path known = environment.databaseHome.is_absolute() ? environment.databaseHome : fs::path("/");
+    const fs::path home = absolute(environment, "HOME").value_or(known);
     const auto base = [&](const char* variable, const char* below) {
         return absolute(environment, variable).value_or(home / below);
     };

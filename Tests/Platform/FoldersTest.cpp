@@ -11,6 +11,7 @@ namespace {
 struct User {
     std::map<std::string, std::string> variables{{"HOME", "/home/ada"}};
     std::map<std::string, std::string> files;
+    std::string databaseHome = "/home/database";
 
     Folders folders() const {
         Environment environment;
@@ -20,7 +21,7 @@ struct User {
             return found->second;
         };
         environment.uid = 1234;
-        environment.databaseHome = "/home/database";
+        environment.databaseHome = databaseHome;
         environment.read = [this](const std::filesystem::path& path) -> std::optional<std::string> {
             const auto found = files.find(path.string());
             if (found == files.end()) return {};
@@ -79,6 +80,18 @@ TEST(Folders, HomeComesFromTheUserDatabaseWhereTheVariableIsNoUse) {
     EXPECT_EQ(user.folders().settings, "/home/database/.config/ravik/settings.json");
     user.variables.clear();
     EXPECT_EQ(user.folders().home, "/home/database");
+}
+
+TEST(Folders, WithoutAnyHomeNothingLandsInTheCurrentFolder) {
+    for (const char* known : {"", "relative"}) {
+        User user;
+        user.variables.clear();
+        user.databaseHome = known;
+        const Folders folders = user.folders();
+        EXPECT_EQ(folders.home, "/");
+        EXPECT_EQ(folders.log, "/.local/state/ravik");
+        EXPECT_EQ(folders.settings, "/.config/ravik/settings.json");
+    }
 }
 
 TEST(Folders, DesktopIsTheOneThatTheUserNamed) {

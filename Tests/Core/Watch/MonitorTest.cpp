@@ -1,6 +1,7 @@
 #include "Core/Watch/Monitor.h"
 
 #include <chrono>
+#include <cmath>
 
 #include <gtest/gtest.h>
 
@@ -59,6 +60,7 @@ TEST_F(MonitorTest, HoldsAPlaceholderBeforeTheFirstReading) {
     EXPECT_FALSE(monitor->snapshot().sampled);
     EXPECT_EQ(monitor->snapshot().stats, SystemStats{});
     EXPECT_EQ(monitor->snapshot().stats.gpuPercent, -1);
+    EXPECT_EQ(monitor->snapshot().takenAt, machine.clock.now());
 }
 
 TEST_F(MonitorTest, StartTicksAtOnceAndThenByTheInterval) {
@@ -170,6 +172,8 @@ TEST_F(MonitorTest, ANonsensicalIntervalCountsAsTheShortest) {
     monitor->setInterval(-3);
     machine.loop.runFor(0.01);
     EXPECT_GE(monitor->history().size(), 4u);
+    monitor->setInterval(std::nan(""));
+    EXPECT_EQ(monitor->interval(), 0.001);
 }
 
 TEST_F(MonitorTest, ANewIntervalTicksAtOnce) {
@@ -297,6 +301,72 @@ TEST_F(MonitorTest, LimitsChangedByAnotherProcessCountFromTheNextTick) {
     machine.defaults.changedBehind = true;
     machine.loop.runFor(5);
     EXPECT_EQ(monitor->snapshot().breaches, std::vector<std::string>{"memory free 50%"});
+}
+
+TEST_F(MonitorTest, LimitsTakenAwayByAnotherProcessFallBackToTheDefaults) {
+    for (const std::optional<json>& left : {std::optional<json>(), std::optional<json>("nonsense")}) {
+        Thresholds limits;
+        limits.autoEndLeftovers = true;
+        machine.defaults.values["thresholds"] = limits.encode();
+        const auto monitor = make();
+        monitor->start();
+        machine.loop.settle();
+        EXPECT_TRUE(monitor->thresholds().autoEndLeftovers);
+        machine.defaults.values.erase("thresholds");
+        if (left) machine.defaults.values["thresholds"] = *left;
+        machine.defaults.changedBehind = true;
+        machine.loop.runFor(5);
+        EXPECT_EQ(monitor->thresholds(), Thresholds{});
+        EXPECT_EQ(machine.defaults.values.contains("thresholds"), left.has_value());
+    }
+}
+
+TEST_F(MonitorTest, AFixByAnotherProcessIsTheLastFixFromTheNextTick) {
+    const auto monitor = make();
+    int told = 0;
+    monitor->observe([&](Monitor::Change change) { told += change == Monitor::Change::lastFix; });
+    monitor->start();
+    machine.clock.advance(0.5);
+    monitor->recordFix("Ended 1 process, freed 80 MB");
+    machine.defaults.changedBehind = true;
+    machine.loop.runFor(5);
+    EXPECT_EQ(told, 1);
+    machine.defaults.values["lastFix"] = {{"at", "2026-03-01T09:30:15Z"}, {"line", "Ended 2 processes, freed 1.0 GB"}};
+    machine.defaults.changedBehind = true;
+    machine.loop.runFor(5);
+    EXPECT_EQ(told, 2);
+    EXPECT_EQ(monitor->lastFix(), (LastFix{1772357415, "Ended 2 processes, freed 1.0 GB"}));
+}
+
+TEST_F(MonitorTest, OneLimitThatGivesWayToAnotherKeepsTheClockOfTheBreach) {
+    machine.readings.load = 17;
+    const auto monitor = make();
+    monitor->start();
+    machine.loop.runFor(300);
+    machine.readings.load = 0.5;
+    machine.readings.swapUsed = 9ull << 30;
+    machine.loop.runFor(295);
+    EXPECT_TRUE(logFolder.lines("notify").empty());
+    machine.loop.runFor(5);
+    const auto lines = logFolder.lines("notify");
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0]["causes"], json::array({"breach"}));
+}
+
+TEST_F(MonitorTest, WhetherNotificationsAreDeniedIsLoggedWhenItChanges) {
+    const auto monitor = make();
+    EXPECT_EQ(monitor->notificationsDenied(), std::nullopt);
+    monitor->checkNotifications();
+    monitor->checkNotifications();
+    EXPECT_EQ(monitor->notificationsDenied(), false);
+    machine.notifier.denied = true;
+    monitor->checkNotifications();
+    monitor->checkNotifications();
+    EXPECT_EQ(monitor->notificationsDenied(), true);
+    const auto lines = logFolder.lines("notifications");
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0]["denied"], false);
+    EXPECT_EQ(lines[1]["denied"], true);
 }
 
 TEST_F(MonitorTest, TheRuleForLeftoversEndsWhatIsOldAndSafe) {
