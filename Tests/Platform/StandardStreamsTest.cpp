@@ -17,9 +17,9 @@ TEST(StandardStreams, AFileNeverTakesTheNumberOfAClosedOne) {
                   close(STDOUT_FILENO);
                   close(STDERR_FILENO);
                   secureStandardStreams();
-                  return open("/dev/null", O_RDONLY);
+                  return open("/dev/null", O_RDONLY) > STDERR_FILENO ? 0 : 1;
               }),
-              3);
+              0);
 }
 
 TEST(StandardStreams, AnOpenOneStays) {
