@@ -74,6 +74,11 @@ int runWatch(Context& context, const Arguments& arguments) {
         context.out << (json ? tickObject(monitor.snapshot()) : statusLine(monitor.snapshot(), context.colour)) << "\n";
         if (!context.out.flush()) loop.quit();
     });
+    context.platform().notifier.onAction([&context](const std::string& action) {
+        context.log.event("notificationAction", {{"action", action}});
+        context.err << (action == "free" ? "ravik free ends what is safe to end, after a question.\n"
+                                         : "ravik diagnose tells what was found.\n");
+    });
     context.computer.onTermination([&loop] { loop.quit(); });
     monitor.start();
     monitor.watchFocus();
@@ -84,6 +89,7 @@ int runWatch(Context& context, const Arguments& arguments) {
     loop.run();
     monitor.stop();
     monitor.releaseAllLive();
+    context.platform().notifier.onAction({});
     context.platform().watchLock.release();
     return done;
 }

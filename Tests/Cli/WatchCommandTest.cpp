@@ -72,6 +72,18 @@ TEST_F(WatchCommand, LetsGoOfTheLockAndOfWhatItHolds) {
     EXPECT_EQ(release["target"], "burner");
 }
 
+TEST_F(WatchCommand, AnAnsweredAlertIsLoggedAndToldTheCommandForIt) {
+    machine.loop.after(1, [this] { machine.notifier.press("free"); });
+    machine.loop.after(2, [this] { machine.notifier.press("default"); });
+    EXPECT_EQ(watch({}, 3).err,
+              "ravik free ends what is safe to end, after a question.\nravik diagnose tells what was found.\n");
+    const auto lines = logFolder.lines("notificationAction");
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0]["action"], "free");
+    EXPECT_EQ(lines[1]["action"], "default");
+    EXPECT_FALSE(machine.notifier.press);
+}
+
 TEST_F(WatchCommand, EndsInOrderWhenNobodyReadsAnyMore) {
     outputIsBroken = true;
     computer.fakeTerminal.lostReader = true;

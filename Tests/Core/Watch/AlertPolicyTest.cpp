@@ -35,6 +35,13 @@ TEST(AlertPolicy, AHolderSilencesTheComplaintAboutSwapping) {
     EXPECT_EQ(calm, critical({"thrash"}));
 }
 
+TEST(AlertPolicy, OnlyTheHoldersThemselvesAreUrgent) {
+    const auto causes = AlertPolicy::causes(
+        {finding("holdings", Finding::Severity::critical), finding("thrash", Finding::Severity::critical)});
+    EXPECT_EQ(causes, critical({"holdings", "thrash"}));
+    EXPECT_EQ(AlertPolicy::causes({finding("holder", Finding::Severity::critical)}), critical({"holder"}));
+}
+
 TEST(AlertPolicy, ACauseIsDueAfterTenMinutesAndThenNotForADay) {
     AlertPolicy policy;
     const auto causes = critical({"disk"});

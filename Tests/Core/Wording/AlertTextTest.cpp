@@ -47,4 +47,13 @@ TEST(AlertText, WhatCanBeFreedHasItsButton) {
     EXPECT_EQ(note.actions, (Actions{{"free", "Free 1,200\u00a0MB…"}, {"show", "Show"}}));
 }
 
+TEST(AlertText, APlaceholderPromisesNothing) {
+    Snapshot snapshot;
+    snapshot.breaches = {"load 9", "disk 5 GB free"};
+    snapshot.findings = {finding("Two leftovers", KillTrees{{7}}, 300ull << 20)};
+    EXPECT_EQ(alertText(snapshot).body, "load 9, disk 5 GB free");
+    snapshot.sampled = true;
+    EXPECT_EQ(alertText(snapshot).body, "300 MB reclaimable");
+}
+
 }  // namespace ravik
