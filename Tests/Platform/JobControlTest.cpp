@@ -115,6 +115,12 @@ TEST(JobControl, ATerminalsForegroundJobAndItsShellAreNeverStopped) {
     EXPECT_THAT(stopped(all, {20, 30, 31, 40}), ElementsAre(40));
 }
 
+TEST(JobControl, AShellIsNeverStoppedWhoeverItsTerminalBelongsToNow) {
+    // The job in front has lost its parents; the shell still waits behind it.
+    const std::vector<JobStat> all{onTerminal(job(20, 1, 20, 20), 30), onTerminal(job(30, 1, 30, 20), 30)};
+    EXPECT_THAT(stopped(all, {20, 30}), IsEmpty());
+}
+
 TEST(JobControl, AShellWithinAShellIsNeverStoppedWhileItsJobRuns) {
     const std::vector<JobStat> all{onTerminal(job(20, 1, 20, 20), 40), onTerminal(job(30, 20, 30, 20), 40),
                                    onTerminal(job(40, 30, 40, 20), 40)};
