@@ -9,6 +9,9 @@ namespace ravik::cli {
 
 namespace {
 
+/// The last column keeps so much in a terminal that is too narrow for the others.
+constexpr std::size_t leastCells = 8;
+
 /// Length of the scalar at the front, 0 if the bytes are no UTF-8.
 std::size_t scalar(std::string_view text, char32_t& code) {
     const auto lead = static_cast<unsigned char>(text.front());
@@ -108,7 +111,7 @@ std::string Table::render(std::size_t width) const {
         for (std::size_t at = 0; at < row.size(); ++at) {
             const bool last = at + 1 == row.size();
             std::string cell = row[at];
-            if (last && width > used + 8) cell = cut(cell, width - used);
+            if (last && width > 0) cell = cut(cell, std::max(width > used ? width - used : 0, leastCells));
             const std::string pad(widths[at] > cells(cell) ? widths[at] - cells(cell) : 0, ' ');
             if (m_columns[at] == Align::right) {
                 out += pad + cell;

@@ -21,7 +21,8 @@ public:
     explicit Table(std::vector<Align> columns) : m_columns(std::move(columns)) {}
     /// Every cell is made printable.
     void add(std::vector<std::string> row);
-    /// The rows, two blanks between columns; the last column is cut to the width with an ellipsis, 0 leaves it whole.
+    /// The rows, two blanks between columns; the last column is cut to the width with an ellipsis, to 8 cells
+    /// where that leaves less; 0 leaves it whole.
     std::string render(std::size_t width) const;
 
 private:
