@@ -73,7 +73,7 @@ Task<std::optional<std::string>> Actions::endTrees(Finding finding, KillTrees re
                       Fmt::mb(finding.gainBytes), face.icon}};
     if (!co_await ask(std::move(question))) co_return std::nullopt;
 
-    const EndResult result = co_await m_monitor.apply(finding, finding.caution.has_value());
+    const EndResult result = co_await m_monitor.apply(finding, finding.caution.has_value(), snapshot);
     note(result);
     const auto* ended = std::get_if<Ended>(&result);
     if (!ended) co_return leftRunning(result);
@@ -144,7 +144,7 @@ Task<std::optional<std::string>> Actions::end(Pid pid, std::string label) {
     }
     if (!co_await ask(std::move(question))) co_return std::nullopt;
 
-    const EndResult result = m_monitor.kill(pid, caution.has_value());
+    const EndResult result = m_monitor.kill(pid, caution.has_value(), snapshot);
     note(result);
     const auto* ended = std::get_if<Ended>(&result);
     if (!ended) co_return leftRunning(result);
@@ -174,7 +174,7 @@ Task<std::optional<std::string>> Actions::freeAll(std::function<void()> onConfir
     Pids survivors;
     std::vector<std::string> refused;
     for (const Finding& finding : list) {
-        const EndResult result = co_await m_monitor.apply(finding, false);
+        const EndResult result = co_await m_monitor.apply(finding, false, snapshot);
         if (const auto* ended = std::get_if<Ended>(&result)) {
             gone += static_cast<std::int64_t>(finding.kills()->pids.size()) -
                     static_cast<std::int64_t>(ended->survivors.size());

@@ -15,6 +15,8 @@ struct LastLook {
     std::vector<Proc> trees;
     /// The older list with its living members brought up to date; who stands below whom is as it was.
     std::vector<Proc> procs;
+    /// Members of the older trees that could not be read: they have gone, or nothing can be said of them.
+    std::vector<Proc> unread;
 };
 
 /// Reads the process table anew. Figures that take time to measure (CPU) are the older reading's. Any thread.

@@ -1,6 +1,7 @@
 // The fixes of Monitor: the last look, the gate, the signals, and what is written down about them.
 #include <cmath>
 
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include "Core/Base/Iso8601.h"
@@ -43,6 +44,37 @@ std::optional<EndResult> barred(const Verdict& verdict, bool cautionConfirmed) {
     return {};
 }
 
+/// The gate on what the machine says now.
+std::optional<EndResult> barredNow(const Pids& pids, const LastLook& look, bool cautionConfirmed, const Host& host,
+                                   const Signals& signals) {
+    if (auto reason = foreign(pids, look.procs, host)) return Refused{std::move(*reason)};
+    if (auto result = barred(Safety::check(look.trees, host), cautionConfirmed)) return result;
+    for (const Proc& proc : look.trees) {
+        // Nobody would be left to wait, to send KILL and to resume what is paused.
+        if (host.pid == 0 || proc.id != host.pid) continue;
+        return Refused{fmt::format("Ravik itself runs in it (pid {})", proc.id)};
+    }
+    for (const Proc& proc : look.unread) {
+        if (proc.uid != host.uid || !signals.verify(proc)) continue;
+        return Refused{fmt::format("{} could not be checked again (pid {})", Classifier::group(proc, host), proc.id)};
+    }
+    return {};
+}
+
+/// Without the pids that were not these processes' in the picture that the user was asked about: the ones that were
+/// meant have gone.
+Pids stillMeant(Pids pids, const Snapshot& asked, const Snapshot& current) {
+    if (&asked == &current) return pids;
+    const ProcessIndex then(asked.processes);
+    const ProcessIndex now(current.processes);
+    std::erase_if(pids, [&](Pid pid) {
+        const Proc* present = now.find(pid);
+        const Proc* meant = then.find(pid);
+        return present && !(meant && sameLife(*meant, *present));
+    });
+    return pids;
+}
+
 void addOutcome(nlohmann::json& line, const EndResult& result) {
     if (const auto* ended = std::get_if<Ended>(&result)) line["survivors"] = ended->survivors;
     if (const auto* refused = std::get_if<Refused>(&result)) line["refused"] = refused->reason;
@@ -57,15 +89,14 @@ EndResult Monitor::end(const Pids& pids, const std::vector<Proc>& procs, bool ca
     if (auto result = barred(Safety::check(trees(pids, procs), host), cautionConfirmed)) return *result;
 
     LastLook look = lastLook(pids, procs, table);
-    if (auto reason = foreign(pids, look.procs, host)) return Refused{std::move(*reason)};
-    if (auto result = barred(Safety::check(look.trees, host), cautionConfirmed)) return *result;
+    if (auto result = barredNow(pids, look, cautionConfirmed, host, signals)) return *result;
 
     Ended ended;
     for (std::size_t at = 0; at < pids.size(); ++at) {
         if (at > 0) {
             // The trees before this one took their time to end; what has become forbidden since is left running.
             look = lastLook({pids[at]}, procs, table);
-            if (foreign({pids[at]}, look.procs, host) || barred(Safety::check(look.trees, host), cautionConfirmed)) {
+            if (barredNow({pids[at]}, look, cautionConfirmed, host, signals)) {
                 ended.survivors.push_back(pids[at]);
                 continue;
             }
@@ -76,7 +107,7 @@ EndResult Monitor::end(const Pids& pids, const std::vector<Proc>& procs, bool ca
     return ended;
 }
 
-Task<EndResult> Monitor::apply(Finding finding, bool cautionConfirmed) {
+Task<EndResult> Monitor::apply(Finding finding, bool cautionConfirmed, std::shared_ptr<const Snapshot> asked) {
     const auto before = m_snapshot;
     EndResult result = Refused{"nothing to run"};
     if (const QuitApp* quit = finding.quits()) {
@@ -88,7 +119,8 @@ Task<EndResult> Monitor::apply(Finding finding, bool cautionConfirmed) {
         }
     } else if (const KillTrees* kill = finding.kills()) {
         // Three seconds of patience must not hold up the loop.
-        const auto work = [before, pids = kill->pids, cautionConfirmed, host = m_host, &platform = m_platform] {
+        const Pids meant = asked ? stillMeant(kill->pids, *asked, *before) : kill->pids;
+        const auto work = [before, pids = meant, cautionConfirmed, host = m_host, &platform = m_platform] {
             return end(pids, before->processes, cautionConfirmed, host, platform.processes, platform.signals);
         };
         Callback<EndResult> beside([&loop = m_platform.loop, work](Callback<EndResult>::Resume resume) {
@@ -109,11 +141,12 @@ Task<EndResult> Monitor::apply(Finding finding, bool cautionConfirmed) {
     co_return result;
 }
 
-EndResult Monitor::kill(Pid pid, bool cautionConfirmed) {
+EndResult Monitor::kill(Pid pid, bool cautionConfirmed, std::shared_ptr<const Snapshot> asked) {
     const auto before = m_snapshot;
     const ProcessIndex index(before->processes);
+    const Pids meant = asked ? stillMeant({pid}, *asked, *before) : Pids{pid};
     const EndResult result =
-        end({pid}, before->processes, cautionConfirmed, m_host, m_platform.processes, m_platform.signals);
+        end(meant, before->processes, cautionConfirmed, m_host, m_platform.processes, m_platform.signals);
 
     const Proc* proc = index.find(pid);
     nlohmann::json line{

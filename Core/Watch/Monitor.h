@@ -85,10 +85,11 @@ public:
     /// Calls back on the main loop after each assignment. Observers live as long as the Monitor.
     void observe(std::function<void(Change)> observer);
 
-    /// Runs a finding's remedy, logs it and reads the machine again.
-    Task<EndResult> apply(Finding finding, bool cautionConfirmed);
+    /// Runs a finding's remedy, logs it and reads the machine again. `asked` is the picture that the user was asked
+    /// about: a pid that has become another process's since is left alone, as one whose process has gone.
+    Task<EndResult> apply(Finding finding, bool cautionConfirmed, std::shared_ptr<const Snapshot> asked = {});
     /// Ends one process picked by hand with its tree, and logs it. Blocks for the grace period.
-    EndResult kill(Pid pid, bool cautionConfirmed);
+    EndResult kill(Pid pid, bool cautionConfirmed, std::shared_ptr<const Snapshot> asked = {});
     /// The gate and the signals, nothing else. All trees are judged as one before the first signal. Any thread.
     static EndResult end(const Pids& pids, const std::vector<Proc>& procs, bool cautionConfirmed, const Host& host,
                          const ProcessTable& table, const Signals& signals);

@@ -34,4 +34,11 @@ struct Proc {
     friend bool operator==(const Proc&, const Proc&) = default;
 };
 
+/// True if both records are of one process. A pid can be reused within the second that `started` tells; the kernel's
+/// own stamp, where both know it, is finer.
+inline bool sameLife(const Proc& a, const Proc& b) {
+    return a.id == b.id && a.started == b.started &&
+           (a.startTicks == 0 || b.startTicks == 0 || a.startTicks == b.startTicks);
+}
+
 }  // namespace ravik

@@ -62,7 +62,9 @@ public:
     void list(Pids& pids) override;
     bool read(Pid pid, ProcessReading& reading) override;
     Pids listFresh() const override;
-    bool readFresh(Pid pid, ProcessReading& reading) const override { return self().read(pid, reading); }
+    bool readFresh(Pid pid, ProcessReading& reading) const override {
+        return !unreadable.contains(pid) && self().read(pid, reading);
+    }
     std::optional<Time> startTime(Pid pid) const override;
     std::optional<std::string> commandLine(Pid pid) const override;
 
@@ -86,6 +88,8 @@ public:
     std::vector<SentSignal> sent;
     double nanosecondsPerTick = 1.0;
     bool canDemote = true;
+    /// Living processes that cannot be read anew.
+    PidSet unreadable;
 
 private:
     const FakeProcess* living(const VerifiedProcess& process) const;

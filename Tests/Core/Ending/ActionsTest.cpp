@@ -155,6 +155,51 @@ TEST_F(ActionsTest, ATreeThatGainsAGitWhileTheQuestionStandsIsLeftRunning) {
     EXPECT_EQ(monitor().lastFix(), std::nullopt);
 }
 
+TEST_F(ActionsTest, APidThatChangesHandsWhileTheQuestionStandsIsLeftRunning) {
+    orphan(200, "server");
+    asker.whileAsked = [&] {
+        machine.clock.advance(3600);
+        orphan(200, "editor").started = machine.clock.now() - 60;
+        monitor().readNow();
+    };
+    EXPECT_EQ(run(finding("orphan:200")), "1 ended · 0 survivors · 100\u00a0MB");
+    EXPECT_NE(machine.processes.find(200), nullptr);
+    EXPECT_TRUE(machine.processes.sent.empty());
+}
+
+TEST_F(ActionsTest, FreeAllLeavesAPidAloneThatChangedHandsWhileTheQuestionStood) {
+    orphan(200, "server");
+    orphan(300, "other");
+    asker.whileAsked = [&] {
+        orphan(200, "editor");
+        monitor().readNow();
+    };
+    settle(Actions(monitor(), asker).freeAll({}));
+    EXPECT_NE(machine.processes.find(200), nullptr);
+    EXPECT_EQ(machine.processes.find(300), nullptr);
+}
+
+TEST_F(ActionsTest, EndByHandLeavesAPidAloneThatChangedHands) {
+    orphan(200, "server");
+    asker.whileAsked = [&] {
+        orphan(200, "editor");
+        monitor().readNow();
+    };
+    settle(Actions(monitor(), asker).end(200, "server"));
+    EXPECT_NE(machine.processes.find(200), nullptr);
+    EXPECT_TRUE(machine.processes.sent.empty());
+}
+
+TEST_F(ActionsTest, ATreeThatIsStillTheSameEndsAfterALongQuestion) {
+    orphan(200, "server");
+    asker.whileAsked = [&] {
+        machine.clock.advance(3600);
+        monitor().readNow();
+    };
+    run(finding("orphan:200"));
+    EXPECT_EQ(machine.processes.find(200), nullptr);
+}
+
 TEST_F(ActionsTest, AdviceRunsNothing) {
     orphan(200, "postgres");
     EXPECT_EQ(run(finding("db:200")), std::nullopt);

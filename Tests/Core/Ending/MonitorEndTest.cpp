@@ -116,6 +116,21 @@ TEST_F(MonitorEnd, APidThatIsNotInTheListComesBackAsSurvivor) {
     EXPECT_TRUE(machine.processes.sent.empty());
 }
 
+TEST_F(MonitorEnd, ATreeInWhichTheProgramItselfRunsIsRefused) {
+    start(machine.host.pid, 201, "ravik");
+    EXPECT_EQ(end({200}, list()), EndResult(Refused{"Ravik itself runs in it (pid 50)"}));
+    EXPECT_TRUE(machine.processes.sent.empty());
+}
+
+TEST_F(MonitorEnd, AMemberThatLivesAndCannotBeReadAgainIsNotSignalled) {
+    const auto seen = list();
+    machine.processes.unreadable = {201};
+    EXPECT_EQ(end({200}, seen), EndResult(Refused{"node could not be checked again (pid 201)"}));
+    EXPECT_TRUE(machine.processes.sent.empty());
+    machine.processes.end(201);
+    EXPECT_EQ(end({200}, seen), EndResult(Ended{}));
+}
+
 TEST_F(MonitorEnd, ALaterTreeThatGainsAGitWhileAnEarlierEndsIsLeftRunning) {
     start(300, 1);
     const auto seen = list();
