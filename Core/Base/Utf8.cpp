@@ -36,6 +36,16 @@ char32_t lower(char32_t scalar) {
     return scalar;
 }
 
+char32_t upper(char32_t scalar) {
+    if (scalar == 0xFF) return 0x178;
+    if (scalar == 0x3C2) return 0x3A3;  // a sigma at the end of a word
+    // How far small letters lie behind their capitals.
+    for (const char32_t distance : {32, 80, 48, 1, 38, 37, 64, 63}) {
+        if (scalar > distance && lower(scalar - distance) == scalar) return scalar - distance;
+    }
+    return scalar;
+}
+
 void append(std::string& text, char32_t scalar) {
     const auto byte = [&](char32_t value) { text += static_cast<char>(value); };
     if (scalar < 0x80) return byte(scalar);
@@ -82,6 +92,20 @@ std::string lower(std::string_view text) {
         }
     }
     return small;
+}
+
+std::string capitalised(std::string_view text) {
+    if (text.empty()) return {};
+    std::size_t behind = 0;
+    const char32_t first = next(text, behind);
+    std::string result;
+    if (behind == 1 && first >= 0x80) {
+        result += text.front();
+    } else {
+        append(result, upper(first));
+    }
+    result += text.substr(behind);
+    return result;
 }
 
 }  // namespace ravik::Utf8

@@ -12,4 +12,7 @@ char32_t next(std::string_view text, std::size_t& at);
 /// Lower case, scalar by scalar, in the alphabets that have cases; the rest stays as it is.
 std::string lower(std::string_view text);
 
+/// The text with its first scalar in upper case, in the same alphabets.
+std::string capitalised(std::string_view text);
+
 }  // namespace ravik::Utf8

@@ -40,19 +40,13 @@ std::string holderSentence(const Finding& finding) {
 
 bool isBlank(char byte) { return std::string_view(" \t\n\v\f\r").find(byte) != std::string_view::npos; }
 
-std::string capitalised(std::string_view text) {
-    std::string result(text);
-    if (result[0] >= 'a' && result[0] <= 'z') result[0] = static_cast<char>(result[0] - 'a' + 'A');
-    return result;
-}
-
 }  // namespace
 
 std::string sentenceCase(std::string_view text) {
     while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
     while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
     if (text.empty()) return {};
-    std::string sentence = capitalised(text);
+    std::string sentence = Utf8::capitalised(text);
     if (std::string_view(".!?").find(sentence.back()) == std::string_view::npos) sentence += '.';
     return sentence;
 }

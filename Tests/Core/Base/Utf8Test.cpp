@@ -18,4 +18,17 @@ TEST(Utf8, BytesOfNoScalarStayAsTheyAre) {
     EXPECT_EQ(at, 4u);
 }
 
+TEST(Utf8, CapitalisesTheFirstScalarAlone) {
+    EXPECT_EQ(Utf8::capitalised(""), "");
+    EXPECT_EQ(Utf8::capitalised("node is"), "Node is");
+    EXPECT_EQ(Utf8::capitalised("éé"), "Éé");
+    EXPECT_EQ(Utf8::capitalised("šš"), "Šš");
+    EXPECT_EQ(Utf8::capitalised("яя"), "Яя");
+    EXPECT_EQ(Utf8::capitalised("ας"), "Ας");
+    EXPECT_EQ(Utf8::capitalised("Éa"), "Éa");
+    EXPECT_EQ(Utf8::capitalised("÷a"), "÷a");
+    EXPECT_EQ(Utf8::capitalised("日本"), "日本");
+    EXPECT_EQ(Utf8::capitalised("\xE9x"), "\xE9x");
+}
+
 }  // namespace ravik

@@ -28,6 +28,7 @@ TEST(Plain, SentencesBeginLargeAndEndWithAMark) {
     EXPECT_EQ(Plain::sentenceCase("stop!"), "Stop!");
     EXPECT_EQ(Plain::sentenceCase("done."), "Done.");
     EXPECT_EQ(Plain::sentenceCase("7 left"), "7 left.");
+    EXPECT_EQ(Plain::sentenceCase("éditeur holds 2 GB"), "Éditeur holds 2 GB.");
     EXPECT_EQ(Plain::sentenceCase(" \t\n "), "");
     EXPECT_EQ(Plain::sentenceCase(""), "");
 }
