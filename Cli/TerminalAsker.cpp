@@ -33,9 +33,10 @@ Task<bool> TerminalAsker::ask(const Confirmation& question) {
         m_foundNobody = true;
         co_return false;
     }
-    m_context.err << questionText(question) << "\n" << printable(question.verb) << "? [y/N] ";
-    m_context.err.flush();
-    const auto answer = m_context.computer.terminal().readLine();
+    const auto answer = m_context.computer.terminal().readLine([&] {
+        m_context.err << questionText(question) << "\n" << printable(question.verb) << "? [y/N] ";
+        m_context.err.flush();
+    });
     if (!answer) m_context.err << "\n";
     co_return answer && (*answer == "y" || *answer == "yes");
 }

@@ -64,11 +64,12 @@ int runWatch(Context& context, const Arguments& arguments) {
         return couldNot;
     }
 
+    MainLoop& loop = context.platform().loop;
+    context.computer.onTermination([&loop] { loop.quit(); });
     context.log.event("launch", {{"version", RAVIK_VERSION}});
     Monitor monitor(context.platform(), context.log, context.host, Monitor::Role::watcher);
     if (interval) monitor.setInterval(*interval);
     const bool json = arguments.has("--json");
-    MainLoop& loop = context.platform().loop;
     monitor.observe([&](Monitor::Change change) {
         if (change != Monitor::Change::snapshot) return;
         context.out << (json ? tickObject(monitor.snapshot()) : statusLine(monitor.snapshot(), context.colour)) << "\n";
@@ -79,7 +80,6 @@ int runWatch(Context& context, const Arguments& arguments) {
         context.err << (action == "free" ? "ravik free ends what is safe to end, after a question.\n"
                                          : "ravik diagnose tells what was found.\n");
     });
-    context.computer.onTermination([&loop] { loop.quit(); });
     monitor.start();
     monitor.watchFocus();
     for (const std::string& target : monitor.releasedAtStart()) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -18,8 +19,9 @@ public:
     /// Columns of standard output; 80 where there are none.
     virtual int columns() const = 0;
     /// One line of standard input without its line feed; absent at its end and when the wait is interrupted
-    /// (Ctrl-C), which then does not end the program.
-    virtual std::optional<std::string> readLine() = 0;
+    /// (Ctrl-C), which then does not end the program. `prompt` shows what is asked: nobody who has seen it can
+    /// interrupt more than the wait.
+    virtual std::optional<std::string> readLine(const std::function<void()>& prompt) = 0;
 };
 
 }  // namespace ravik

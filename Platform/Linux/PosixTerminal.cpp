@@ -57,8 +57,9 @@ int PosixTerminal::columns() const {
     return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
 }
 
-std::optional<std::string> PosixTerminal::readLine() {
+std::optional<std::string> PosixTerminal::readLine(const std::function<void()>& prompt) {
     const Interruptible interruptible;
+    prompt();
     std::string line;
     for (;;) {
         pollfd input{STDIN_FILENO, POLLIN, 0};

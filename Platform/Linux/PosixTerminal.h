@@ -11,7 +11,7 @@ public:
     bool isOutput() const override;
     bool hasLostReader() const override;
     int columns() const override;
-    std::optional<std::string> readLine() override;
+    std::optional<std::string> readLine(const std::function<void()>& prompt) override;
 };
 
 }  // namespace ravik::platform

@@ -15,7 +15,8 @@ public:
     bool isOutput() const override { return interactive; }
     bool hasLostReader() const override { return lostReader; }
     int columns() const override { return 80; }
-    std::optional<std::string> readLine() override {
+    std::optional<std::string> readLine(const std::function<void()>& prompt) override {
+        prompt();
         if (typed.empty()) return {};
         const auto line = typed.front();
         typed.pop_front();

@@ -112,9 +112,9 @@ TEST_P(LinuxProcessTableTest, ListsInTheKernelsOrderWithItself) {
 }
 
 TEST_P(LinuxProcessTableTest, RepairsArgumentsThatAreNoUtf8) {
-    const Pid pid = reaper.add(startProgram({"sh", "-c", "sleep 1000; :", "caf\xE9"}));
+    const Pid pid = reaper.add(startProgram({"sh", "-c", "while kill -STOP $$; do :; done", "caf\xE9"}));
     EXPECT_TRUE(scanUntil(pid, [](const auto& reading) {
-        return reading.arguments == Text("sh -c sleep 1000; : caf\xEF\xBF\xBD");
+        return reading.arguments == Text("sh -c while kill -STOP $$; do :; done caf\xEF\xBF\xBD");
     }));
 }
 

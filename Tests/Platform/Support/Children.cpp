@@ -59,7 +59,9 @@ std::vector<Proc> readProcs(const Pids& pids) {
     return procs;
 }
 
-Reaper::~Reaper() {
+Reaper::~Reaper() { endAll(); }
+
+void Reaper::endAll() {
     while (!m_procs.empty()) end(m_procs.back().id);
 }
 

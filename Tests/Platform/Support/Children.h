@@ -27,6 +27,7 @@ public:
     Pid add(Pid pid);
     /// Kills one now and waits until it has gone.
     void end(Pid pid);
+    void endAll();
 
 private:
     std::vector<Proc> m_procs;
