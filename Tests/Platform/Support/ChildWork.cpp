@@ -40,7 +40,7 @@ int amongOwnPids(const std::function<int()>& work) {
     });
 }
 
-pid_t forkWithPid(pid_t pid) {
+pid_t forkWithPid(pid_t pid, const std::function<void()>& work) {
     pid_t wanted[] = {pid};
     clone_args arguments{};
     arguments.exit_signal = SIGCHLD;
@@ -48,6 +48,7 @@ pid_t forkWithPid(pid_t pid) {
     arguments.set_tid_size = 1;
     const long child = syscall(SYS_clone3, &arguments, sizeof arguments);
     if (child == 0) {
+        if (work) work();
         while (true) pause();
     }
     return child < 0 ? 0 : static_cast<pid_t>(child);

@@ -23,8 +23,9 @@ inline constexpr int notAllowed = 77;
 /// shows it. notAllowed where this user may make none.
 int amongOwnPids(const std::function<int()>& work);
 
-/// A child with this very pid, which waits for signals; 0 if it cannot be had. Within amongOwnPids() only.
-pid_t forkWithPid(pid_t pid);
+/// A child with this very pid, which does `work` and then waits for signals; 0 if it cannot be had. Within a pid
+/// namespace of the test's own only.
+pid_t forkWithPid(pid_t pid, const std::function<void()>& work = {});
 
 /// The permission bits; 0 if there is no such file.
 unsigned modeOf(const std::filesystem::path& path);
