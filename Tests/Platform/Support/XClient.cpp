@@ -18,8 +18,9 @@ xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
     return found;
 }
 
-/// In the child; returns when its window is closed.
-void run(const std::string& display, OnClose onClose, const PidPipe& pipe) {
+}  // namespace
+
+void showXClient(const std::string& display, OnClose onClose, const std::function<void()>& mapped) {
     xcb_connection_t* connection = xcb_connect(display.c_str(), nullptr);
     if (xcb_connection_has_error(connection)) _exit(1);
     const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
@@ -34,7 +35,7 @@ void run(const std::string& display, OnClose onClose, const PidPipe& pipe) {
     xcb_map_window(connection, window);
     // An answer to anything shows that the server has got this far.
     atom(connection, "WM_STATE");
-    pipe.tell(getpid());
+    if (mapped) mapped();
     while (xcb_generic_event_t* event = xcb_wait_for_event(connection)) {
         const auto* message = reinterpret_cast<const xcb_client_message_event_t*>(event);
         const bool asked = (event->response_type & 0x7f) == XCB_CLIENT_MESSAGE && message->type == protocols &&
@@ -44,11 +45,9 @@ void run(const std::string& display, OnClose onClose, const PidPipe& pipe) {
     }
 }
 
-}  // namespace
-
 Pid startXClient(const std::string& display, OnClose onClose, Reaper& reaper) {
     const PidPipe pipe;
-    const Pid pid = reaper.add(forkChild([&] { run(display, onClose, pipe); }));
+    const Pid pid = reaper.add(forkChild([&] { showXClient(display, onClose, [&] { pipe.tell(getpid()); }); }));
     return pipe.hear() == pid ? pid : 0;
 }
 
