@@ -67,8 +67,8 @@ protected:
 
 TEST_F(RealBrowser, IsOneGroupUnderItsName) {
     const Pid root = browse({});
-    const Json rows = rowsOf(root);
-    const Json diagnosis = run(home, {"diagnose", "--json"}).json();
+    Json rows = rowsOf(root);
+    Json diagnosis = run(home, {"diagnose", "--json"}).json();
     std::set<Pid> grouped;
     for (const Json& group : diagnosis["groups"]) {
         if (group["id"] == "Chromium Web Browser") grouped = group["processes"].get<std::set<Pid>>();
@@ -90,7 +90,7 @@ TEST_F(RealBrowser, WithAThrowAwayProfileIsNamedOnceItIsOld) {
     rowsOf(root);
     const std::string id = fmt::format("automation:{}", root);
     EXPECT_EQ(finding(run(home, {"diagnose", "--json"}).json(), id), Json());
-    const Json found = finding(twoHoursLater(), id);
+    Json found = finding(twoHoursLater(), id);
     EXPECT_THAT(found.value("title", ""),
                 AllOf(StartsWith("A hidden automation Chromium Web Browser from "), HasSubstr(" has run 2"),
                       testing::EndsWith(" — your own Chromium Web Browser may not open while it runs")));

@@ -53,7 +53,7 @@ protected:
 TEST_F(Leftovers, OfAnEndedToolAreNamed) {
     const Pid tool = parent("claude", helper);
     const Pid child = find(helper);
-    const Json before = diagnose();
+    Json before = diagnose();
     EXPECT_EQ(finding(before, "leftovers"), Json());
     ASSERT_EQ(before["sessions"].size(), 1u);
     EXPECT_EQ(before["sessions"][0]["tool"], "claude");
@@ -62,9 +62,9 @@ TEST_F(Leftovers, OfAnEndedToolAreNamed) {
 
     reaper.end(tool);
     findAdopted(helper);
-    const Json after = diagnose();
+    Json after = diagnose();
     EXPECT_EQ(after["orphans"], Json({child}));
-    const Json found = finding(after, "leftovers");
+    Json found = finding(after, "leftovers");
     EXPECT_THAT(found["title"], StartsWith("1 processes left behind by ended agent sessions hold "));
     EXPECT_EQ(found["evidence"], "no living parent · 1× node: index.js");
     EXPECT_EQ(found["remedy"], Json({{"kind", "killTrees"}, {"pids", {child}}}));
@@ -77,8 +77,8 @@ TEST_F(Leftovers, OfAnEndedToolAreNamed) {
 
 TEST_F(Leftovers, OfAClosedTerminalAreNamed) {
     const Pid child = leftBy("bash", server);
-    const Json diagnosis = diagnose();
-    const Json found = finding(diagnosis, fmt::format("orphan:{}", child));
+    Json diagnosis = diagnose();
+    Json found = finding(diagnosis, fmt::format("orphan:{}", child));
     EXPECT_THAT(found["title"], StartsWith("node: server.js has run "));
     EXPECT_THAT(found["title"], HasSubstr(" with no terminal"));
     EXPECT_THAT(found["evidence"], StartsWith(fmt::format("pid {} · ", child)));
@@ -92,16 +92,16 @@ TEST_F(Leftovers, AreNotNamedBeforeTheirTime) {
     home.store({{"thresholds", nullptr}});
     const Pid child = leftBy("claude", helper);
     ASSERT_GT(child, 0);
-    const Json diagnosis = diagnose();
+    Json diagnosis = diagnose();
     EXPECT_EQ(diagnosis["orphans"], Json::array());
     EXPECT_EQ(diagnosis["freeable"], Json::array());
 }
 
 TEST_F(Leftovers, ADatabaseHasNoButton) {
     const Pid child = leftBy("bash", home.idle("postgres") + " -D " + (home.path() / "data").native());
-    const Json diagnosis = diagnose();
+    Json diagnosis = diagnose();
     EXPECT_EQ(finding(diagnosis, fmt::format("orphan:{}", child)), Json());
-    const Json found = finding(diagnosis, fmt::format("db:{}", child));
+    Json found = finding(diagnosis, fmt::format("db:{}", child));
     EXPECT_EQ(found["severity"], "info");
     EXPECT_EQ(found["remedy"]["kind"], "advice");
     EXPECT_EQ(found["neverReason"], "a database server: force-killing one means crash recovery");
@@ -122,8 +122,8 @@ TEST_F(Leftovers, AnInstallationIsNeverOffered) {
     reaper.end(terminal);
     ASSERT_TRUE(waitUntil([&] { return readProc(root)->ppid == 1; }));
 
-    const Json diagnosis = diagnose();
-    const Json found = finding(diagnosis, fmt::format("orphan:{}", root));
+    Json diagnosis = diagnose();
+    Json found = finding(diagnosis, fmt::format("orphan:{}", root));
     EXPECT_EQ(found["severity"], "info");
     EXPECT_EQ(found["remedy"], Json({{"kind", "advice"}, {"text", "Stop it from where it was started."}}));
     EXPECT_EQ(found["neverReason"], fmt::format("npm is installing packages (pid {})", child));
@@ -137,9 +137,9 @@ TEST_F(Leftovers, AnInstallationIsNeverOffered) {
 TEST_F(Leftovers, AKeptOneTurnsIntoAdvice) {
     const Pid child = leftBy("claude", helper);
     ASSERT_EQ(run(home, {"keep", "add", helper}).status, 0);
-    const Json diagnosis = diagnose();
+    Json diagnosis = diagnose();
     EXPECT_EQ(finding(diagnosis, "leftovers"), Json());
-    const Json found = finding(diagnosis, fmt::format("orphan:{}", child));
+    Json found = finding(diagnosis, fmt::format("orphan:{}", child));
     EXPECT_EQ(found["severity"], "info");
     EXPECT_EQ(found["remedy"], Json({{"kind", "advice"},
                                      {"text", "Remove it from Settings › Kept running to let Free end it again."}}));
@@ -210,7 +210,7 @@ TEST_F(Leftovers, AreNeverThisProgramOrItsAncestors) {
     const Pid ancestor = find(home.shell("own") + " -c " + script);
     reaper.end(starter);
     ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(home.path() / "done"); }, 20));
-    const Json diagnosis = Json::parse(std::ifstream(home.path() / "own.json"), nullptr, false);
+    Json diagnosis = Json::parse(std::ifstream(home.path() / "own.json"), nullptr, false);
     find(node + " 1");
     ASSERT_TRUE(diagnosis.is_object());
     EXPECT_EQ(diagnosis["orphans"], Json::array());

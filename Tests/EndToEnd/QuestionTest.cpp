@@ -42,10 +42,10 @@ protected:
     void expectNo(const Result& result) {
         EXPECT_EQ(result.status, 1);
         EXPECT_TRUE(lives(leftover));
-        const auto asked = home.logLines("confirm");
+        auto asked = home.logLines("confirm");
         ASSERT_EQ(asked.size(), 1u);
         EXPECT_EQ(asked[0]["confirmed"], false);
-        const auto batch = home.logLines("fixAll");
+        auto batch = home.logLines("fixAll");
         ASSERT_EQ(batch.size(), 1u);
         EXPECT_EQ(batch[0]["findings"], Json({id}));
         EXPECT_EQ(batch[0]["cancelled"], true);
@@ -68,11 +68,11 @@ protected:
         EXPECT_TRUE(lives(leftover));
         EXPECT_TRUE(lives(gitPid));
         const std::string why = fmt::format("a git operation in progress (git, pid {})", gitPid);
-        const auto remedies = home.logLines("remedy");
+        auto remedies = home.logLines("remedy");
         ASSERT_EQ(remedies.size(), 1u);
         EXPECT_EQ(remedies[0]["refused"], why);
         EXPECT_FALSE(remedies[0].contains("survivors"));
-        const auto batch = home.logLines("fixAll");
+        auto batch = home.logLines("fixAll");
         ASSERT_EQ(batch.size(), 1u);
         EXPECT_EQ(batch[0]["refused"], Json({why}));
         EXPECT_EQ(batch[0]["survivors"], Json::array());

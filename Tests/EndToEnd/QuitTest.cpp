@@ -60,7 +60,7 @@ TEST_F(Quit, AsksATerminalToClose) {
     EXPECT_THAT(result.out, MatchesRegex("XTerm quit · about [0-9]+\u00a0MB\n"));
     EXPECT_FALSE(lives(xterm));
     EXPECT_TRUE(waitUntil([&] { return !lives(inside); }));
-    const Json remedy = home.logLines("remedy").at(0);
+    Json remedy = home.logLines("remedy").at(0);
     EXPECT_EQ(remedy["finding"], "app:XTerm");
     EXPECT_EQ(remedy["quit"], true);
     EXPECT_EQ(remedy["survivors"], Json::array());
@@ -88,7 +88,7 @@ TEST_F(Quit, SaysWhenAPromptStands) {
     EXPECT_LT(result.seconds, 36);
     EXPECT_TRUE(lives(app));
     EXPECT_FALSE(lives(other));
-    const Json remedy = home.logLines("remedy").at(0);
+    Json remedy = home.logLines("remedy").at(0);
     EXPECT_EQ(remedy["refused"], "painter did not quit. Check it for a prompt.");
     EXPECT_EQ(remedy["quit"], false);
     EXPECT_FALSE(home.settings().contains("lastFix"));

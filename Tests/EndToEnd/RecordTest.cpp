@@ -58,16 +58,16 @@ TEST_F(Record, OfABatchHoldsTheQuestionTheRemedyAndTheBatch) {
     EXPECT_FALSE(lives(server));
     EXPECT_FALSE(lives(worker));
 
-    const Json confirm = home.logLines("confirm").at(0);
+    Json confirm = home.logLines("confirm").at(0);
     EXPECT_EQ(keys(confirm), (std::set<std::string>{"title", "confirmed", "seconds", "active"}));
     EXPECT_EQ(confirm["title"], "End 1 program?");
     EXPECT_EQ(confirm["confirmed"], true);
-    const Json remedy = home.logLines("remedy").at(0);
+    Json remedy = home.logLines("remedy").at(0);
     EXPECT_EQ(keys(remedy), (std::set<std::string>{"finding", "gainMB", "survivors"}));
     EXPECT_EQ(remedy["finding"], id);
     EXPECT_TRUE(remedy["gainMB"].is_number_unsigned());
     EXPECT_EQ(remedy["survivors"], Json::array());
-    const Json batch = home.logLines("fixAll").at(0);
+    Json batch = home.logLines("fixAll").at(0);
     EXPECT_EQ(keys(batch), (std::set<std::string>{"findings", "survivors", "refused"}));
     EXPECT_EQ(batch["findings"], Json({id}));
     EXPECT_EQ(batch["survivors"], Json::array());
@@ -90,13 +90,13 @@ TEST_F(Record, OfOneProcessByHandTellsWhatItWas) {
     const Pid server = leave();
     const Result result = run(home, {"end", std::to_string(server), "--yes", "--json"});
     EXPECT_EQ(result.status, 0) << result.err;
-    const Json told = result.json();
+    Json told = result.json();
     EXPECT_EQ(told["outcome"], "ended");
     EXPECT_EQ(told["survivors"], Json::array());
     EXPECT_THAT(told["line"], MatchesRegex("2 ended · 0 survivors · [0-9]+ MB"));
 
     EXPECT_EQ(home.logLines("confirm").at(0)["title"], "End server?");
-    const Json kill = home.logLines("kill").at(0);
+    Json kill = home.logLines("kill").at(0);
     EXPECT_EQ(keys(kill), (std::set<std::string>{"pid", "group", "cmd", "ageH", "mb", "children", "survivors"}));
     EXPECT_EQ(kill["pid"], server);
     EXPECT_EQ(kill["group"], "server");
