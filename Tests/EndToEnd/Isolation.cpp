@@ -88,7 +88,7 @@ bool isIsolated() { return inside; }
 std::string othersRunning() {
     std::string others;
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-        const std::string& name = entry.path().filename().native();
+        const std::string name = entry.path().filename().native();
         Pid pid = 0;
         const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
         if (error != std::errc{} || end != name.data() + name.size() || pid == 1 || pid == getpid()) continue;
