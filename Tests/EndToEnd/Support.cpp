@@ -238,7 +238,7 @@ Pid EndToEnd::find(const std::string& command) {
     Pid found = 0;
     waitUntil([&] {
         for (const auto& entry : fs::directory_iterator("/proc")) {
-            const std::string& name = entry.path().filename().native();
+            const std::string name = entry.path().filename().native();
             Pid pid = 0;
             std::from_chars(name.data(), name.data() + name.size(), pid);
             const auto proc = pid > 0 ? readProc(pid) : std::nullopt;
