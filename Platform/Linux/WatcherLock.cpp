@@ -29,6 +29,9 @@ WatchLock::Refusal heldBy(const Watcher& watcher) {
                                      watcher.name.empty() ? "Another process" : watcher.name, watcher.pid)};
 }
 
+constexpr int lookAgain = 20;
+constexpr int lookAgainMicroseconds = 10'000;
+
 Watcher holder(int file) {
     char bytes[256];
     const ssize_t got = pread(file, bytes, sizeof bytes, 0);
@@ -91,7 +94,15 @@ std::optional<WatchLock::Refusal> WatcherLock::acquire() {
     do {
         locked = flock(file.get(), LOCK_EX | LOCK_NB);
     } while (locked != 0 && errno == EINTR);
-    if (locked != 0 && errno == EWOULDBLOCK) return heldBy(holder(file.get()));
+    if (locked != 0 && errno == EWOULDBLOCK) {
+        // Who has just taken it may not have said so yet.
+        Watcher watcher = holder(file.get());
+        for (int look = 0; watcher.pid == 0 && look < lookAgain; ++look) {
+            usleep(lookAgainMicroseconds);
+            watcher = holder(file.get());
+        }
+        return heldBy(watcher);
+    }
     if (locked != 0) return unusable(m_folder, "its file system knows no locks");
 
     tellOthers(file.get(), fmt::format("{}\n{}\n", getpid(), m_name));
