@@ -70,7 +70,7 @@ int runWatch(Context& context, const Arguments& arguments) {
     Monitor monitor(context.platform(), context.log, context.host, Monitor::Role::watcher);
     if (interval) monitor.setInterval(*interval);
     const bool json = arguments.has("--json");
-    monitor.observe([&](Monitor::Change change) {
+    const Subscription printing = monitor.observe([&](Monitor::Change change) {
         if (change != Monitor::Change::snapshot) return;
         context.out << (json ? tickObject(monitor.snapshot()) : statusLine(monitor.snapshot(), context.colour)) << "\n";
         if (!context.out.flush()) loop.quit();

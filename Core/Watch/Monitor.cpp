@@ -192,10 +192,8 @@ void Monitor::setInterval(double seconds) {
     publish(Change::interval);
 }
 
-void Monitor::observe(std::function<void(Change)> observer) { m_observers.push_back(std::move(observer)); }
+Subscription Monitor::observe(std::function<void(Change)> observer) { return m_observers.add(std::move(observer)); }
 
-void Monitor::publish(Change change) {
-    for (const auto& observer : m_observers) observer(change);
-}
+void Monitor::publish(Change change) { m_observers.notify(change); }
 
 }  // namespace ravik

@@ -11,6 +11,7 @@
 #include "Core/Autopilot/Engine.h"
 #include "Core/Autopilot/LiveLedger.h"
 #include "Core/Autopilot/ShadowScorer.h"
+#include "Core/Base/Subscription.h"
 #include "Core/Base/Task.h"
 #include "Core/Diagnosis/Diagnoser.h"
 #include "Core/Diagnosis/Trend.h"
@@ -82,8 +83,8 @@ public:
     Log& log() { return m_log; }
     KeepSet keep() const;
 
-    /// Calls back on the main loop after each assignment. Observers live as long as the Monitor.
-    void observe(std::function<void(Change)> observer);
+    /// Calls back on the main loop after each assignment, for as long as the subscription is held.
+    Subscription observe(std::function<void(Change)> observer);
 
     /// Runs a finding's remedy, logs it and reads the machine again. `asked` is the picture that the user was asked
     /// about: a pid that has become another process's since is left alone, as one whose process has gone.
@@ -187,7 +188,7 @@ private:
     std::optional<bool> m_notificationsDenied;
 
     MainLoop::Timer m_timer = 0;
-    std::vector<std::function<void(Change)>> m_observers;
+    Observers<Change> m_observers;
     /// Work that comes back to a Monitor that has gone does nothing.
     std::shared_ptr<Monitor*> m_self;
 };

@@ -324,7 +324,8 @@ TEST_F(MonitorTest, LimitsTakenAwayByAnotherProcessFallBackToTheDefaults) {
 TEST_F(MonitorTest, AFixByAnotherProcessIsTheLastFixFromTheNextTick) {
     const auto monitor = make();
     int told = 0;
-    monitor->observe([&](Monitor::Change change) { told += change == Monitor::Change::lastFix; });
+    const auto held =
+        monitor->observe([&](Monitor::Change change) { told += change == Monitor::Change::lastFix; });
     monitor->start();
     machine.clock.advance(0.5);
     monitor->recordFix("Ended 1 process, freed 80 MB");
@@ -336,6 +337,35 @@ TEST_F(MonitorTest, AFixByAnotherProcessIsTheLastFixFromTheNextTick) {
     machine.loop.runFor(5);
     EXPECT_EQ(told, 2);
     EXPECT_EQ(monitor->lastFix(), (LastFix{1772357415, "Ended 2 processes, freed 1.0 GB"}));
+}
+
+TEST_F(MonitorTest, TellsAnObserverNothingOnceItsSubscriptionHasEnded) {
+    auto monitor = make();
+    int told = 0;
+    auto held = monitor->observe([&](Monitor::Change) { ++told; });
+    monitor->setInterval(2);
+    EXPECT_EQ(told, 1);
+    held.end();
+    monitor->setInterval(3);
+    EXPECT_EQ(told, 1);
+}
+
+TEST_F(MonitorTest, AScreenMayGoWhileTheReadingIsPublishedAndOutliveTheMonitor) {
+    auto monitor = make();
+    int closed = 0;
+    int open = 0;
+    Subscription screen = monitor->observe([&](Monitor::Change change) {
+        if (change != Monitor::Change::snapshot) return;
+        ++closed;
+        screen.end();
+    });
+    Subscription other = monitor->observe([&](Monitor::Change change) { open += change == Monitor::Change::snapshot; });
+    monitor->start();
+    machine.loop.runFor(10);
+    EXPECT_EQ(closed, 1);
+    EXPECT_EQ(open, 3);
+    monitor.reset();
+    other.end();
 }
 
 TEST_F(MonitorTest, OneLimitThatGivesWayToAnotherKeepsTheClockOfTheBreach) {
