@@ -1,4 +1,5 @@
 option(RAVIK_TESTS "Build the tests" ON)
+option(RAVIK_APP "Build the desktop app (Qt)" ON)
 option(RAVIK_BENCH "Build the measurements" OFF)
 option(RAVIK_FUZZ "Build the fuzz targets (clang)" OFF)
 set(RAVIK_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize takes them")

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+
+#include <QRect>
+
+#include "Core/Ending/Asker.h"
+
+namespace ravik::app {
+
+/// The windows, behind one door: whoever opens them knows nothing of how they are drawn. Made when opened, destroyed
+/// when closed. Main thread.
+class Views : public Asker {
+public:
+    ~Views() override = default;
+
+    /// Beneath the status item, whose place on the screen is `icon`; where that is unknown (empty), in the pointer's
+    /// corner of the screen.
+    virtual void openPanel(const QRect& icon) = 0;
+    /// Nothing if there is none.
+    virtual void closePanel() = 0;
+    virtual bool isPanelOpen() const = 0;
+
+    /// Opens the main window, or brings it to the front. `token`: what the desktop gave for that; may be empty.
+    virtual void openMain(const QByteArray& token) = 0;
+    virtual void closeMain() = 0;
+    virtual bool isMainOpen() const = 0;
+};
+
+}  // namespace ravik::app
