@@ -35,7 +35,7 @@ bool StatusBarController::launch() {
         if (isNumber) m_monitor.setInterval(seconds);
     }
     connect(&m_item, &StatusItem::clicked, this, &StatusBarController::toggle);
-    m_monitor.observe([this](Monitor::Change change) {
+    m_observing = m_monitor.observe([this](Monitor::Change change) {
         if (change == Monitor::Change::snapshot) render();
     });
     m_computer.platform().notifier.onAction([this](const std::string& action) { answer(action); });

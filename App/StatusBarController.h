@@ -6,6 +6,7 @@
 
 #include "App/StatusItem.h"
 #include "App/Views/QmlViews.h"
+#include "Core/Base/Subscription.h"
 #include "Core/Watch/Monitor.h"
 #include "Platform/Computer.h"
 
@@ -39,6 +40,7 @@ private:
     Monitor m_monitor;
     QmlViews m_views;
     StatusItem m_item;
+    Subscription m_observing;
 };
 
 }  // namespace ravik::app
