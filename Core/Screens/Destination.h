@@ -17,6 +17,8 @@ std::string_view word(Destination destination);
 /// "Agent sessions": as the user reads it.
 std::string_view title(Destination destination);
 std::string_view symbol(Destination destination);
+/// The digit of its shortcut: its place in the sidebar, from 1.
+constexpr int key(Destination destination) { return static_cast<int>(destination) + 1; }
 std::optional<Destination> parseDestination(std::string_view word);
 
 }  // namespace ravik
