@@ -23,7 +23,8 @@ StatusBarController::StatusBarController(Computer& computer, Log& log, const Hos
       m_log(log),
       m_underTest(computer.environment("XCTestConfigurationFilePath").has_value()),
       m_monitor(computer.platform(), log, host, Monitor::Role::watcher),
-      m_views({.monitor = m_monitor, .quit = [] { QCoreApplication::quit(); }}) {}
+      m_views(m_program),
+      m_program{m_monitor, m_views, [this] { openMain(); }, [] { QCoreApplication::quit(); }} {}
 
 StatusBarController::~StatusBarController() = default;
 

@@ -39,6 +39,7 @@ private:
     const bool m_underTest;
     Monitor m_monitor;
     QmlViews m_views;
+    const Program m_program;
     StatusItem m_item;
     Subscription m_observing;
 };

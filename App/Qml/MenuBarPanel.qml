@@ -1,9 +1,12 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Ravik
 
 Window {
     id: panel
+
+    required property PanelView model
 
     flags: Qt.Tool | Qt.FramelessWindowHint
     width: 360

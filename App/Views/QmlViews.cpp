@@ -1,82 +1,55 @@
 #include "App/Views/QmlViews.h"
 
+#include <memory>
+#include <utility>
+
 #include <QCursor>
 #include <QGuiApplication>
-#include <QQmlComponent>
 #include <QScreen>
-#include <QtDebug>
 
-void qml_register_types_Ravik();
+#include "App/Views/MainView.h"
+#include "App/Views/PanelView.h"
+#include "App/Views/Placing.h"
 
 namespace ravik::app {
 
-namespace {
+QmlViews::QmlViews(const Program& program) : m_program(program) {}
 
-constexpr int gap = 8;  // between the panel and the edge of the screen, or the icon
-
-/// Where a panel of this size stands: at the icon, else in the pointer's corner; always whole on the screen.
-QPoint place(const QSize& size, const QRect& icon) {
-    const bool known = !icon.isEmpty();
-    const QPoint near = known ? icon.center() : QCursor::pos();
-    const QScreen* screen = QGuiApplication::screenAt(near);
-    if (!screen) screen = QGuiApplication::primaryScreen();
-    const QRect free = screen->availableGeometry().adjusted(gap, gap, -gap, -gap);
-    const bool low = near.y() > free.center().y();
-    QPoint at;
-    if (known) {
-        at = {icon.center().x() - size.width() / 2, low ? icon.top() - size.height() - gap : icon.bottom() + gap};
-    } else {
-        at = {near.x() > free.center().x() ? free.right() - size.width() : free.left(),
-              low ? free.bottom() - size.height() : free.top()};
-    }
-    return {qBound(free.left(), at.x(), qMax(free.left(), free.right() - size.width())),
-            qBound(free.top(), at.y(), qMax(free.top(), free.bottom() - size.height()))};
-}
-
-}  // namespace
-
-QmlViews::QmlViews(Program program) : m_program(std::move(program)) { qml_register_types_Ravik(); }
-
-QmlViews::~QmlViews() {
-    m_panel.reset();
-    m_main.reset();
-}
-
-QQuickWindow* QmlViews::make(const char* component, QObject* model) {
-    if (!m_engine) m_engine = std::make_unique<QQmlEngine>();
-    QQmlComponent source(m_engine.get(), QUrl(QStringLiteral("qrc:/Ravik/%1.qml").arg(QLatin1String(component))));
-    QVariantMap properties;
-    if (model) properties.insert(QStringLiteral("model"), QVariant::fromValue(model));
-    auto* window = qobject_cast<QQuickWindow*>(source.createWithInitialProperties(properties));
-    if (!window) qFatal("%s", qPrintable(source.errorString()));
-    return window;
-}
-
-void QmlViews::destroy(std::unique_ptr<QQuickWindow>& window) {
-    if (!window) return;
-    window.release()->deleteLater();
-}
+QmlViews::~QmlViews() = default;
 
 void QmlViews::openPanel(const QRect& icon) {
     if (m_panel) return;
-    m_panel.reset(make("MenuBarPanel", nullptr));
-    m_panel->setPosition(place(m_panel->size(), icon));
-    m_panel->show();
-    m_panel->requestActivate();
-    QObject::connect(m_panel.get(), &QWindow::activeChanged, m_panel.get(), [this] {
+    m_icon = icon;
+    m_panel = m_frame.open("MenuBarPanel", std::make_unique<PanelView>(m_program));
+    placePanel();
+    QObject::connect(m_panel, &QWindow::widthChanged, m_panel, [this] { placePanel(); });
+    QObject::connect(m_panel, &QWindow::heightChanged, m_panel, [this] { placePanel(); });
+    QObject::connect(m_panel, &QWindow::activeChanged, m_panel, [this] {
         if (m_panel && !m_panel->isActive()) closePanel();
     });
+    m_panel->show();
+    m_panel->requestActivate();
 }
 
-void QmlViews::closePanel() { destroy(m_panel); }
+void QmlViews::placePanel() {
+    if (!m_panel) return;
+    const QPoint pointer = QCursor::pos();
+    const QScreen* screen = QGuiApplication::screenAt(m_icon.isEmpty() ? pointer : m_icon.center());
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    m_panel->setPosition(panelPlace(m_panel->size(), m_icon, pointer, screen->availableGeometry()));
+}
+
+void QmlViews::closePanel() {
+    if (auto* panel = std::exchange(m_panel, nullptr)) m_frame.close(panel);
+}
 
 bool QmlViews::isPanelOpen() const { return m_panel != nullptr; }
 
 void QmlViews::openMain(const QByteArray& token) {
     if (!token.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", token);
     if (!m_main) {
-        m_main.reset(make("MainWindow", nullptr));
-        QObject::connect(m_main.get(), &QWindow::visibleChanged, m_main.get(), [this](bool shown) {
+        m_main = m_frame.open("MainWindow", std::make_unique<MainView>(m_program));
+        QObject::connect(m_main, &QWindow::visibleChanged, m_main, [this](bool shown) {
             if (!shown) closeMain();
         });
         m_main->show();
@@ -85,7 +58,9 @@ void QmlViews::openMain(const QByteArray& token) {
     m_main->requestActivate();
 }
 
-void QmlViews::closeMain() { destroy(m_main); }
+void QmlViews::closeMain() {
+    if (auto* window = std::exchange(m_main, nullptr)) m_frame.close(window);
+}
 
 bool QmlViews::isMainOpen() const { return m_main != nullptr; }
 

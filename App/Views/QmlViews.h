@@ -1,27 +1,16 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-
-#include <QPointer>
-#include <QQmlEngine>
-#include <QQuickWindow>
-
+#include "App/Views/Program.h"
+#include "App/Views/QmlFrame.h"
 #include "App/Views/Views.h"
-#include "Core/Watch/Monitor.h"
 
 namespace ravik::app {
 
-/// The windows in Qt Quick. The engine lives from the first window's opening to the last one's closing.
+/// The windows in Qt Quick.
 class QmlViews : public Views {
 public:
-    /// What the windows ask of the program. All outlive the views.
-    struct Program {
-        Monitor& monitor;
-        std::function<void()> quit;
-    };
-
-    explicit QmlViews(Program program);
+    /// `program` may still be incomplete; it is read when a window opens.
+    explicit QmlViews(const Program& program);
     ~QmlViews() override;
 
     Task<bool> ask(const Confirmation& question) override;
@@ -35,14 +24,14 @@ public:
     bool isMainOpen() const override;
 
 private:
-    QQuickWindow* make(const char* component, QObject* model);
-    /// Frees the window and its model, and the engine with the last of them.
-    void destroy(std::unique_ptr<QQuickWindow>& window);
+    void placePanel();
 
-    Program m_program;
-    std::unique_ptr<QQmlEngine> m_engine;
-    std::unique_ptr<QQuickWindow> m_panel;
-    std::unique_ptr<QQuickWindow> m_main;
+    const Program& m_program;
+    QmlFrame m_frame;
+    QRect m_icon;
+    /// Freed by the frame.
+    QQuickWindow* m_panel = nullptr;
+    QQuickWindow* m_main = nullptr;
 };
 
 }  // namespace ravik::app

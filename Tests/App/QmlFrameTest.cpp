@@ -1,0 +1,86 @@
+#include "App/Views/QmlFrame.h"
+
+#include <QGuiApplication>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include "App/Views/PanelView.h"
+#include "Tests/Fakes/FakeAsker.h"
+#include "Tests/Fakes/FakeMachine.h"
+#include "Tests/Fakes/LogFolder.h"
+
+namespace ravik::app {
+namespace {
+
+class QmlFrameTest : public testing::Test {
+protected:
+    fakes::FakeMachine machine;
+    fakes::LogFolder folder{machine.clock};
+    Monitor monitor{machine.platform, folder.log, machine.host, Monitor::Role::reader};
+    fakes::FakeAsker asker;
+    const Program program{monitor, asker, [] {}, [] {}};
+};
+
+TEST_F(QmlFrameTest, FreesTheWindowThenItsViewAndAtLastTheEngine) {
+    QmlFrame frame;
+    auto view = std::make_unique<PanelView>(program);
+    QStringList gone;
+    QObject::connect(view.get(), &QObject::destroyed, &frame, [&gone] { gone << QStringLiteral("view"); });
+    auto* window = frame.open("MenuBarPanel", std::move(view));
+    QObject::connect(window, &QObject::destroyed, &frame, [&gone] { gone << QStringLiteral("window"); });
+    QObject::connect(qmlEngine(window), &QObject::destroyed, &frame, [&gone] { gone << QStringLiteral("engine"); });
+    window->show();
+    frame.close(window);
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_TRUE(gone.isEmpty()) << "a button of the window may be what closes it";
+    QTest::qWait(0);
+    EXPECT_EQ(gone, (QStringList{QStringLiteral("window"), QStringLiteral("view"), QStringLiteral("engine")}));
+    EXPECT_TRUE(frame.isEmpty());
+}
+
+TEST_F(QmlFrameTest, KeepsTheEngineWhileAnyWindowIsOpen) {
+    QmlFrame frame;
+    QSignalSpy emptied(&frame, &QmlFrame::emptied);
+    auto* first = frame.open("MenuBarPanel", std::make_unique<PanelView>(program));
+    auto* second = frame.open("MenuBarPanel", std::make_unique<PanelView>(program));
+    const QPointer engine = qmlEngine(first);
+    frame.close(first);
+    frame.close(first);
+    QTest::qWait(0);
+    EXPECT_TRUE(engine);
+    EXPECT_TRUE(emptied.isEmpty());
+    frame.close(second);
+    QTest::qWait(0);
+    EXPECT_FALSE(engine);
+    EXPECT_EQ(emptied.size(), 1);
+}
+
+TEST_F(QmlFrameTest, OpensAgainBeforeTheLastWindowIsFreed) {
+    QmlFrame frame;
+    for (int i = 0; i < 20; ++i) {
+        auto* window = frame.open("MenuBarPanel", std::make_unique<PanelView>(program));
+        window->show();
+        frame.close(window);
+    }
+    auto* window = frame.open("MenuBarPanel", std::make_unique<PanelView>(program));
+    window->show();
+    QTest::qWait(0);
+    EXPECT_EQ(QGuiApplication::topLevelWindows(), QWindowList{window});
+    EXPECT_FALSE(frame.isEmpty());
+}
+
+TEST_F(QmlFrameTest, FreesWhatIsOpenWithItself) {
+    QPointer<QQuickWindow> window;
+    {
+        QmlFrame frame;
+        window = frame.open("MenuBarPanel", std::make_unique<PanelView>(program));
+        window->show();
+    }
+    EXPECT_FALSE(window);
+}
+
+}  // namespace
+}  // namespace ravik::app

@@ -1,0 +1,14 @@
+#include <QApplication>
+#include <QQuickWindow>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qunsetenv("QT_NO_GLIB");
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
