@@ -16,6 +16,9 @@ namespace ravik {
 
 namespace {
 
+/// A reading that is made while the last program ends may still show it.
+constexpr double settled = 1;
+
 std::string runningLine(const Finding& finding, const std::string& name, const std::string& label) {
     if (const QuitApp* quit = finding.quits()) return fmt::format("Asking {} to quit…", quit->app);
     if (label.starts_with("Restart")) return fmt::format("Restarting the extensions of {}…", name);
@@ -225,7 +228,7 @@ void DiagnosisModel::reviewDone() {
     // Free says of all that it tried that it ended. Where a later reading shows otherwise, the card says what remains.
     std::erase_if(m_state.done, [&](const DiagnosisState::Done& done) {
         const Finding* now = find(done.finding.id);
-        return done.byFree && m_snapshot->takenAt > done.at && now && shares(*now, done.finding);
+        return done.byFree && m_snapshot->takenAt > done.at + settled && now && shares(*now, done.finding);
     });
     for (DiagnosisState::Done& done : m_state.done) {
         if (!done.replacesCard) continue;
