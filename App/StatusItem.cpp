@@ -6,8 +6,10 @@ namespace ravik::app {
 
 StatusItem::StatusItem() {
     connect(&m_item, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-        // A double click comes after the two clicks that it is made of.
-        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::MiddleClick) Q_EMIT clicked();
+        // The second of two quick clicks comes as a double click, and not as a click besides.
+        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick ||
+            reason == QSystemTrayIcon::MiddleClick)
+            Q_EMIT clicked();
     });
 }
 

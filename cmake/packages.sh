@@ -36,6 +36,10 @@ qml6-module-qttest         -                      -              -
 libgtest-dev               gtest-devel            gtest          googletest
 libgmock-dev               gmock-devel            -              -
 libbenchmark-dev           google-benchmark-devel benchmark      google-benchmark
+libxcb-xtest0-dev          -                      -              -
+at-spi2-core               at-spi2-core           at-spi2-core   -
+trayer                     trayer                 trayer         -
+xfce4-panel                xfce4-panel            xfce4-panel    -
 xvfb                       xorg-x11-server-Xvfb   xorg-server-xvfb -
 dbus                       dbus-daemon            dbus           -
 openbox                    openbox                openbox        -

@@ -85,17 +85,34 @@ int isolated(const std::function<int()>& work) {
 
 bool isIsolated() { return inside; }
 
-std::string othersRunning() {
-    std::string others;
+namespace {
+
+void forOthers(const std::function<void(const Proc&)>& visitor) {
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
         const std::string name = entry.path().filename().native();
         Pid pid = 0;
         const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
         if (error != std::errc{} || end != name.data() + name.size() || pid == 1 || pid == getpid()) continue;
         const auto proc = platform::readProc(pid);
-        if (proc) others += fmt::format("{}{} {}", others.empty() ? "" : ", ", pid, proc->command.view());
+        if (proc) visitor(*proc);
     }
+}
+
+}  // namespace
+
+std::string othersRunning() {
+    std::string others;
+    forOthers([&](const Proc& proc) {
+        others += fmt::format("{}{} {}", others.empty() ? "" : ", ", proc.id, proc.command.view());
+    });
     return others;
+}
+
+void endOthers() {
+    if (!inside) return;
+    forOthers([](const Proc& proc) { kill(proc.id, SIGKILL); });
+    while (waitpid(-1, nullptr, WNOHANG) > 0) {
+    }
 }
 
 }  // namespace ravik::endtoend

@@ -19,4 +19,7 @@ bool isIsolated();
 /// Every process of the namespace but its first and this one: "12 sleep 1000, 14 sh". Empty if there is none.
 std::string othersRunning();
 
+/// Kills those, within isolated() only.
+void endOthers();
+
 }  // namespace ravik::endtoend

@@ -24,7 +24,7 @@ using Instant = std::chrono::steady_clock::time_point;
 
 namespace {
 
-const std::string ravik = RAVIK_BINARY_DIR "/bin/ravik";
+const std::string programs = RAVIK_BINARY_DIR "/bin/";
 const std::string idleProgram = RAVIK_BINARY_DIR "/bin/ravik-test-idle";
 
 double since(Instant begun) {
@@ -36,14 +36,16 @@ std::string contents(const fs::path& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-[[noreturn]] void become(const Home& home, const std::vector<std::string>& words) {
-    std::vector<char*> arguments{const_cast<char*>(ravik.c_str())};
+[[noreturn]] void become(const Home& home, const std::vector<std::string>& words,
+                         const std::string& program = "ravik") {
+    const std::string path = programs + program;
+    std::vector<char*> arguments{const_cast<char*>(path.c_str())};
     for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
     std::vector<char*> variables;
     for (const std::string& entry : home.environment()) variables.push_back(const_cast<char*>(entry.c_str()));
     variables.push_back(nullptr);
-    execve(ravik.c_str(), arguments.data(), variables.data());
+    execve(path.c_str(), arguments.data(), variables.data());
     _exit(127);
 }
 
@@ -85,6 +87,7 @@ Home::Home() {
                      "PATH=/usr/bin:/bin",
                      "LANG=C.UTF-8"};
     fs::create_directories(path() / "run");
+    fs::permissions(path() / "run", fs::perms::owner_all);
 }
 
 void Home::store(const Json& keys) const {
@@ -131,13 +134,13 @@ std::string Home::idle(const std::string& as) const { return copy(idleProgram, a
 
 std::string Home::shell(const std::string& as) const { return copy(fs::canonical("/bin/sh"), as); }
 
-Running::Running(const Home& home, const std::vector<std::string>& words)
+Running::Running(const Home& home, const std::vector<std::string>& words, const std::string& program)
     : m_begun(std::chrono::steady_clock::now()) {
     m_pid = platform::forkChild([&] {
         dup2(open("/dev/null", O_RDONLY), 0);
         dup2(open((m_output.path() / "out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
         dup2(open((m_output.path() / "err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
-        become(home, words);
+        become(home, words, program);
     });
 }
 

@@ -43,6 +43,8 @@ public:
     /// Adds a variable for the commands that are run from now on.
     void add(std::string variable) { m_environment.push_back(std::move(variable)); }
 
+    /// A file of the user's.
+    void write(const std::filesystem::path& name, const std::string& text) const { m_folder.write(name, text); }
     /// Puts the keys into the settings file as they are: what stands there is not checked for its range.
     void store(const Json& keys) const;
     Json settings() const;
@@ -63,10 +65,11 @@ private:
     std::vector<std::string> m_environment;
 };
 
-/// The built command, started with standard input from nowhere.
+/// A built program, started with standard input from nowhere.
 class Running {
 public:
-    Running(const Home& home, const std::vector<std::string>& words);
+    /// `program`: one of those that are built.
+    Running(const Home& home, const std::vector<std::string>& words, const std::string& program = "ravik");
     ~Running();
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;

@@ -25,9 +25,9 @@ std::string OwnServer::start(std::vector<std::string> words, const std::vector<s
     return byte == '\n' ? line : "";
 }
 
-OwnXServer::OwnXServer() {
+OwnXServer::OwnXServer(const std::string& screen) {
     const std::string number =
-        start({"Xvfb", "-displayfd", "{fd}", "-screen", "0", "800x600x24", "-nolisten", "tcp", "-noreset"});
+        start({"Xvfb", "-displayfd", "{fd}", "-screen", "0", screen, "-nolisten", "tcp", "-noreset"});
     if (!number.empty()) m_display = ":" + number;
 }
 
@@ -44,9 +44,16 @@ OwnWindowManager::OwnWindowManager(const OwnXServer& server) {
     m_started = m_pid > 0 && waitUntil([&] { return std::filesystem::exists(ready); });
 }
 
-OwnBus::OwnBus() {
+OwnBus::OwnBus(const std::vector<std::string>& services) {
+    const std::filesystem::path offered = m_folder.path() / "services";
+    std::filesystem::create_directory(offered);
+    for (const std::string& service : services) {
+        const std::string file = service + ".service";
+        std::error_code error;
+        std::filesystem::copy_file("/usr/share/dbus-1/services/" + file, offered / file, error);
+    }
     m_folder.write("session.conf", "<busconfig><type>session</type><listen>unix:dir=" + m_folder.path().native() +
-                                       "</listen><auth>EXTERNAL</auth><policy context=\"default\">"
+                                       "</listen><servicedir>" + offered.native() + "</servicedir><auth>EXTERNAL</auth><policy context=\"default\">"
                                        "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
                                        "<allow own=\"*\"/></policy></busconfig>");
     m_address = start({"dbus-daemon", "--config-file=" + (m_folder.path() / "session.conf").native(), "--nofork",

@@ -34,7 +34,7 @@ private:
 /// Xvfb on a display number of its own choice.
 class OwnXServer : public OwnServer {
 public:
-    OwnXServer();
+    explicit OwnXServer(const std::string& screen = "800x600x24");
     /// ":7"; empty if it did not start.
     const std::string& display() const { return m_display; }
     /// "DISPLAY=:7", for the environment of a program.
@@ -60,7 +60,8 @@ private:
 /// A message bus for session services, in a folder of its own.
 class OwnBus : public OwnServer {
 public:
-    OwnBus();
+    /// It starts those services that are named here when they are asked for, as the system describes them.
+    explicit OwnBus(const std::vector<std::string>& services = {});
     /// Empty if it did not start.
     const std::string& address() const { return m_address; }
     std::string variable() const { return "DBUS_SESSION_BUS_ADDRESS=" + m_address; }

@@ -1,0 +1,117 @@
+#include "Tests/EndToEnd/Desktop/DesktopCase.h"
+
+#include <csignal>
+
+#include "Tests/EndToEnd/Isolation.h"
+
+namespace ravik::endtoend {
+
+using platform::waitUntil;
+
+namespace {
+
+constexpr int smallestIcon = 22;
+constexpr int largestIcon = 64;
+
+}  // namespace
+
+void DesktopCase::SetUp() {
+    EndToEnd::SetUp();
+    session = std::make_unique<Session>(home);
+    ASSERT_TRUE(session->started());
+    hands = std::make_unique<Hands>(session->server().display());
+    accessibility = std::make_unique<AccessibilityBus>(session->bus());
+    home.store({{"firstRunDone", true}});
+}
+
+void DesktopCase::TearDown() {
+    if (app) {
+        app->signal(SIGTERM);
+        const Result result = app->finish();
+        EXPECT_EQ(result.status, 0) << result.err;
+        if (HasFailure()) std::fputs(result.err.c_str(), stderr);
+    }
+    app.reset();
+    accessibility.reset();
+    hands.reset();
+    session.reset();
+    endOthers();
+    EndToEnd::TearDown();
+}
+
+void DesktopCase::showTray(Tray wanted) {
+    tray = wanted;
+    trayPid = reaper.add(startTray(tray, home));
+    ASSERT_GT(trayPid, 0);
+    if (tray == Tray::trayer) {
+        ASSERT_TRUE(waitUntil([&] { return hands->ownsTray(); }));
+    } else {
+        ASSERT_TRUE(waitUntil([&] { return session->bus().owns("org.kde.StatusNotifierWatcher"); }, 20));
+    }
+}
+
+void DesktopCase::startApp(const std::vector<std::string>& variables) {
+    for (const std::string& variable : variables) home.add(variable);
+    app = std::make_unique<Running>(home, std::vector<std::string>{}, "ravik-desktop");
+}
+
+Area DesktopCase::icon() {
+    Area area;
+    const auto stands = [&] {
+        // Xfce's panel draws the icon itself, and grows to hold it; an embedded one is a window of the app's.
+        for (const Area& one : tray == Tray::xfce ? hands->windowsOfClass("Xfce4-panel") : hands->windows("Ravik")) {
+            area = one;
+            if (area.width <= largestIcon && area.width >= smallestIcon) return true;
+        }
+        return false;
+    };
+    EXPECT_TRUE(waitUntil(stands, 20));
+    return area;
+}
+
+bool DesktopCase::shows(const std::function<bool(const Accessible&)>& wanted, double seconds) {
+    Accessible last;
+    const bool shown = waitUntil(
+        [&] {
+            last = accessibility->windowsOf(app->pid());
+            return wanted(last);
+        },
+        seconds);
+    if (!shown) ADD_FAILURE() << "it shows:\n" << last.text();
+    return shown;
+}
+
+bool DesktopCase::shows(const std::string& role, const std::string& name, double seconds) {
+    return shows([&](const Accessible& windows) { return windows.find(role, name) != nullptr; }, seconds);
+}
+
+bool DesktopCase::showsBeginning(const std::string& role, const std::string& beginning, double seconds) {
+    return shows([&](const Accessible& windows) { return windows.findBeginning(role, beginning) != nullptr; },
+                 seconds);
+}
+
+std::vector<Area> DesktopCase::windows() {
+    std::vector<Area> areas = hands->windows("Ravik");
+    std::erase_if(areas, [](const Area& area) { return area.width <= largestIcon; });
+    return areas;
+}
+
+bool DesktopCase::showsNoWindow(double seconds) {
+    return waitUntil([&] { return windows().empty(); }, seconds);
+}
+
+void DesktopCase::click(const std::string& role, const std::string& name) {
+    Area area;
+    const bool found = shows([&](const Accessible& windows) {
+        const Accessible* one = windows.find(role, name);
+        if (one) area = one->area;
+        return one && one->enabled && area.width > 0;
+    });
+    if (found) hands->click(area);
+}
+
+bool DesktopCase::logs(std::string_view kind, double seconds) const {
+    return waitUntil([&] { return !home.logLines(kind).empty(); }, seconds);
+}
+
+}  // namespace ravik::endtoend
