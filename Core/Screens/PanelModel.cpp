@@ -113,15 +113,15 @@ void PanelModel::State::close() {
 
 void PanelModel::State::loadWeek() {
     const Folders& folders = monitor.platform().folders;
-    loop().background([weak = weak_from_this(), &loop = loop(), log = folders.log, cache = folders.historyCache,
-                       now = now()] {
-        loop.post([weak, line = WeekProof::line(HistoryStore::load(log, cache), now)] {
-            const auto self = weak.lock();
-            if (!self || !self->isOpen) return;
-            self->memory.week = line;
-            self->changed();
+    loop().background(
+        [weak = weak_from_this(), &loop = loop(), log = folders.log, cache = folders.historyCache, now = now()] {
+            loop.post([weak, line = WeekProof::line(HistoryStore::load(log, cache), now)] {
+                const auto self = weak.lock();
+                if (!self || !self->isOpen) return;
+                self->memory.week = line;
+                self->changed();
+            });
         });
-    });
 }
 
 void PanelModel::State::changed() {

@@ -28,9 +28,8 @@ bool contains(const std::vector<std::string>& ids, const std::string& id) {
 std::vector<const Finding*> pending(const Snapshot& snapshot, const PanelMemory& memory) {
     std::vector<const Finding*> findings;
     for (const Finding& finding : snapshot.findings) {
-        const bool isDone = std::ranges::any_of(memory.done, [&](const auto& done) {
-            return done.finding.id == finding.id;
-        });
+        const bool isDone =
+            std::ranges::any_of(memory.done, [&](const auto& done) { return done.finding.id == finding.id; });
         if (!isDone) findings.push_back(&finding);
     }
     if (!memory.held.empty()) {

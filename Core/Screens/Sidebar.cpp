@@ -15,10 +15,8 @@ std::optional<std::string> counted(std::ptrdiff_t count) {
 
 std::optional<std::string> badge(Destination destination, const Snapshot& snapshot) {
     switch (destination) {
-        case Destination::diagnosis:
-            return counted(snapshot.sampled ? std::ssize(snapshot.findings) : 0);
-        case Destination::sessions:
-            return counted(std::ranges::count(snapshot.sessions, true, &AgentSession::alive));
+        case Destination::diagnosis: return counted(snapshot.sampled ? std::ssize(snapshot.findings) : 0);
+        case Destination::sessions: return counted(std::ranges::count(snapshot.sessions, true, &AgentSession::alive));
         case Destination::autopilot: return "learning";
         case Destination::processes:
         case Destination::disk:
@@ -29,9 +27,7 @@ std::optional<std::string> badge(Destination destination, const Snapshot& snapsh
 
 }  // namespace
 
-std::string SidebarRow::spoken() const {
-    return badge ? fmt::format("{}, {}", title, *badge) : std::string(title);
-}
+std::string SidebarRow::spoken() const { return badge ? fmt::format("{}, {}", title, *badge) : std::string(title); }
 
 Sidebar::Sidebar(const std::vector<Destination>& screens, Destination selected, bool settingsExist,
                  const Snapshot& snapshot, const Host& host)

@@ -38,8 +38,8 @@ struct Sidebar {
 
     Sidebar() = default;
     /// `screens`: those that exist, in their order.
-    Sidebar(const std::vector<Destination>& screens, Destination selected, bool settingsExist,
-            const Snapshot& snapshot, const Host& host);
+    Sidebar(const std::vector<Destination>& screens, Destination selected, bool settingsExist, const Snapshot& snapshot,
+            const Host& host);
 
     friend bool operator==(const Sidebar&, const Sidebar&) = default;
 };

@@ -80,9 +80,9 @@ TEST(FreeButtonFace, ShowsTheRunningTextWhateverThereIs) {
 TEST(ResolvedFace, TellsWhatWentWellFromWhatDidNot) {
     EXPECT_EQ(ResolvedFace("3 ended · 0 survivors · 312\u00a0MB").symbol, "checkmark.circle.fill");
     EXPECT_EQ(ResolvedFace("Firefox quit · about 312\u00a0MB").colour, "safe");
-    for (const char* line : {"Left running: a git operation in progress (git, pid 300).",
-                             "Firefox did not quit. Check it for a prompt.",
-                             "1 ended · 1 survivor: node (pid 812) did not exit after KILL"}) {
+    for (const char* line :
+         {"Left running: a git operation in progress (git, pid 300).", "Firefox did not quit. Check it for a prompt.",
+          "1 ended · 1 survivor: node (pid 812) did not exit after KILL"}) {
         EXPECT_EQ(ResolvedFace(line).symbol, "exclamationmark.circle") << line;
         EXPECT_EQ(ResolvedFace(line).colour, "caution") << line;
     }

@@ -38,6 +38,20 @@ TEST_F(PanelModelTest, ATickIsToldOnce) {
     }
 }
 
+TEST_F(PanelModelTest, WhatIsNotSeenIsNotTold) {
+    orphan(200);
+    tick();
+    open();
+    monitor->setInterval(monitor->interval());
+    monitor->setThresholds(monitor->thresholds());
+    settle();
+    EXPECT_EQ(changes, 0);
+    monitor->setInterval(10);
+    settle();
+    EXPECT_EQ(changes, 1);
+    EXPECT_TRUE(screen().header.tooltip.ends_with("Ravik reads your computer every 10 s"));
+}
+
 TEST_F(PanelModelTest, TheClockIsLookedAtOnlyWhenATextChanges) {
     tick();
     open();
@@ -97,6 +111,10 @@ TEST_F(PanelModelTest, AFixThatFailedIsMarkedSo) {
     ASSERT_TRUE(screen().rows.at(0).resolved);
     EXPECT_EQ(screen().rows[0].resolved->symbol, "exclamationmark.circle");
     EXPECT_EQ(screen().rows[0].sentence, "0 ended · 1 survivor: server (pid 200) did not exit after KILL");
+    // It stands as resolved while the panel is open, though the machine still has it.
+    ASSERT_EQ(monitor->snapshot().findings.size(), 1u);
+    model->run("orphan:200");
+    EXPECT_EQ(asker.asked.size(), 1u);
 }
 
 TEST_F(PanelModelTest, ANoChangesNothing) {

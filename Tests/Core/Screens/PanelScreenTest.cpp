@@ -303,8 +303,7 @@ TEST(PanelScreen, OffersWhatTheAutopilotWouldDo) {
     EXPECT_EQ(rows[0].title, "pause Docker Desktop");
     EXPECT_EQ(rows[0].icon.app, "Docker Desktop");
     EXPECT_EQ(rows[0].reason, "idle 46 min, not focused · 2,900\u00a0MB");
-    EXPECT_EQ(rows[0].acceptHelp,
-              "Pauses it now. Undo for ten minutes, and it resumes the moment you go to it.");
+    EXPECT_EQ(rows[0].acceptHelp, "Pauses it now. Undo for ten minutes, and it resumes the moment you go to it.");
     EXPECT_EQ(rows[0].dismissHelp, "Teaches it: not offered again for a day, and counted as a wrong call");
     EXPECT_EQ(rows[1].title, "slow Foo");
     EXPECT_EQ(rows[1].reason, "busy in the background");
@@ -330,9 +329,9 @@ TEST(PanelScreen, WhatTheAutopilotHasDoneCanBeUndone) {
                   action(5, Action::demote, "Foo", scene.at - 595)};
     const PanelScreen screen = scene.panel();
     EXPECT_EQ(screen.autopilotLine, "");
-    EXPECT_EQ(screen.live, (std::vector<PanelScreen::Live>{
-                               {3, "Paused", "Docker Desktop", "7 minutes left", "Resumes it now"},
-                               {5, "Demoted", "Foo", "1 minute left", "Gives its priority back now"}}));
+    EXPECT_EQ(screen.live,
+              (std::vector<PanelScreen::Live>{{3, "Paused", "Docker Desktop", "7 minutes left", "Resumes it now"},
+                                              {5, "Demoted", "Foo", "1 minute left", "Gives its priority back now"}}));
     EXPECT_EQ(PanelScreen::undoLabel, "Undo");
     EXPECT_EQ(PanelScreen::autopilotSymbol, "airplane");
 }
