@@ -1,6 +1,14 @@
-// Waits for its end, whatever it is called and whatever it is told: copied, it stands for any program that runs.
+// Waits for its end, whatever it is called and whatever it is told: copied, it stands for any program that runs. Holds
+// as many megabytes as RAVIK_TEST_HOLDS says.
+#include <cstdlib>
+#include <cstring>
+
 #include <unistd.h>
 
 int main() {
+    const char* holds = std::getenv("RAVIK_TEST_HOLDS");
+    const std::size_t bytes = holds ? std::strtoul(holds, nullptr, 10) << 20 : 0;
+    // Touched, since a page that nobody wrote is held by nobody.
+    if (void* held = std::malloc(bytes + 1)) std::memset(held, 1, bytes + 1);
     while (true) pause();
 }

@@ -110,6 +110,15 @@ void DesktopCase::click(const std::string& role, const std::string& name) {
     if (found) hands->click(area);
 }
 
+Pid DesktopCase::leave(const std::string& script, int megabytes) {
+    const std::string command = home.idle("node") + " " + (home.path() / script).native();
+    const Pid terminal = start({home.shell("bash"), "-c", command + " & wait"},
+                               {"RAVIK_TEST_HOLDS=" + std::to_string(megabytes)});
+    const Pid left = find(command);
+    reaper.end(terminal);
+    return findAdopted(command) == left ? left : 0;
+}
+
 bool DesktopCase::logs(std::string_view kind, double seconds) const {
     return waitUntil([&] { return !home.logLines(kind).empty(); }, seconds);
 }
