@@ -198,8 +198,13 @@ void DiagnosisModel::selectNextArc() { moveArc(1); }
 void DiagnosisModel::selectPreviousArc() { moveArc(-1); }
 
 void DiagnosisModel::openEvidence(const std::string& id) {
+    if (m_evidenceId == id) return;
     m_evidenceId = id;
     refresh();
+}
+
+void DiagnosisModel::openSelectedEvidence() {
+    if (m_state.selected && m_state.mode == DiagnosisState::Mode::cards) openEvidence(std::string(*m_state.selected));
 }
 
 void DiagnosisModel::closeEvidence() {

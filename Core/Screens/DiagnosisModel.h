@@ -16,8 +16,9 @@
 
 namespace ravik {
 
-/// The Diagnosis screen: follows the Monitor, remembers what the user chose and did, and runs the remedies. Lives as
-/// long as the screen is on view; an action that is under way when it goes runs on to its end. Main loop.
+/// The Diagnosis screen: follows the Monitor, remembers what the user chose and did, and runs the remedies. What it
+/// remembers goes with it, so it should live as long as the window does; an action that is under way when it goes runs
+/// on to its end. Main loop.
 class DiagnosisModel {
 public:
     static constexpr const char* modeKey = "diagnosisMode";
@@ -58,6 +59,8 @@ public:
     void setPointerOver(bool isOver) { m_isPointerOver = isOver; }
 
     void openEvidence(const std::string& id);
+    /// Of the selected card, where the cards are shown.
+    void openSelectedEvidence();
     void closeEvidence();
     /// The keep button of the open sheet: leaves its program running from now on. False if that could not be stored,
     /// or there is nothing to keep.

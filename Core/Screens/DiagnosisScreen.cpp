@@ -102,27 +102,27 @@ bool DiagnosisState::isDone(const std::string& id) const {
                                [&](const Done& entry) { return entry.replacesCard && entry.finding.id == id; });
 }
 
-DiagnosisScreen::DiagnosisScreen(const ScreenInput& input, const MemoryPicture& picture, const DiagnosisState& now,
+DiagnosisScreen::DiagnosisScreen(const ScreenInput& input, const MemoryPicture& picture, const DiagnosisState& memory,
                                  bool alertsOff, const std::optional<std::string>& lastFix) {
     const Snapshot& snapshot = input.snapshot;
     if (!snapshot.sampled) {
         waiting = {Pending::title(input.host), std::string(Pending::line)};
         return;
     }
-    if (snapshot.findings.empty() && now.done.empty()) {
+    if (snapshot.findings.empty() && memory.done.empty()) {
         state = State::calm;
         calm = ravik::calm(picture, input.host, lastFix);
         return;
     }
     state = State::findings;
-    hero = {ReadoutFace::amount(snapshot.reclaimableBytes()), "you can free", heroLine(snapshot, now, alertsOff)};
-    free = freeButton(snapshot.freeableBytes(), now);
-    picker = {now.mode, std::string(word(DiagnosisState::Mode::cards)), std::string(word(DiagnosisState::Mode::map)),
+    hero = {ReadoutFace::amount(snapshot.reclaimableBytes()), "you can free", heroLine(snapshot, memory, alertsOff)};
+    free = freeButton(snapshot.freeableBytes(), memory);
+    picker = {memory.mode, std::string(word(DiagnosisState::Mode::cards)), std::string(word(DiagnosisState::Mode::map)),
               "Cards: every cause with its button. Map: where the memory is."};
     beforeAfter = ravik::beforeAfter(picture, input.host);
-    if (now.mode != DiagnosisState::Mode::cards) return;
-    sections = ravik::sections(input, now);
-    for (const DiagnosisState::Done& done : now.done) resolved.push_back(resolve(done));
+    if (memory.mode != DiagnosisState::Mode::cards) return;
+    sections = ravik::sections(input, memory);
+    for (const DiagnosisState::Done& done : memory.done) resolved.push_back(resolve(done));
 }
 
 DiagnosisOrder::Ids DiagnosisScreen::cardIds() const {

@@ -92,7 +92,7 @@ struct DiagnosisScreen {
 
     DiagnosisScreen() = default;
     /// `alertsOff`: the user has switched the program's notifications off. `lastFix`: the line of the last fix.
-    DiagnosisScreen(const ScreenInput& input, const MemoryPicture& picture, const DiagnosisState& state,
+    DiagnosisScreen(const ScreenInput& input, const MemoryPicture& picture, const DiagnosisState& memory,
                     bool alertsOff, const std::optional<std::string>& lastFix);
 
     /// Ids of the cards from top to bottom.

@@ -63,7 +63,8 @@ protected:
 
     Monitor& monitor() {
         if (!m_monitor) {
-            m_monitor = std::make_unique<Monitor>(machine.platform, logFolder.log, machine.host, Monitor::Role::watcher);
+            m_monitor =
+                std::make_unique<Monitor>(machine.platform, logFolder.log, machine.host, Monitor::Role::watcher);
             m_monitor->readNow();
         }
         return *m_monitor;
@@ -151,6 +152,27 @@ TEST_F(DiagnosisModelTest, AFailedEndingIsInTheCautionColour) {
     ASSERT_THAT(screen().resolved, SizeIs(1));
     EXPECT_EQ(screen().resolved[0].line, "0 ended · 1 survivor: big (pid 800) did not exit after KILL");
     EXPECT_EQ(screen().resolved[0].face.colour, Colour::caution);
+}
+
+TEST_F(DiagnosisModelTest, WhatMayNoLongerBeEndedIsLeftRunningAndSaysWhy) {
+    orphan(800, "big");
+    made();
+    asker.whileAsked = [&] {
+        FakeProcess child;
+        child.pid = 801;
+        child.ppid = 800;
+        child.name = "postgres";
+        child.command = "/tmp/postgres";
+        machine.processes.add(child);
+        tick();
+    };
+    model->run("orphan:800");
+    letRun();
+    EXPECT_TRUE(machine.processes.find(800));
+    ASSERT_THAT(screen().resolved, SizeIs(1));
+    EXPECT_THAT(screen().resolved[0].line, testing::StartsWith("Left running: "));
+    EXPECT_EQ(screen().resolved[0].face.colour, Colour::caution);
+    EXPECT_FALSE(monitor().lastFix().has_value());
 }
 
 TEST_F(DiagnosisModelTest, AFailedEndingStandsForItsCardAsLongAsNothingNewJoins) {
@@ -442,6 +464,20 @@ TEST_F(DiagnosisModelTest, AnOpenSheetFollowsTheMachineUntilItsFindingHasGone) {
     tick();
     EXPECT_TRUE(model->evidence()->isGone);
     model->closeEvidence();
+    EXPECT_FALSE(model->evidence().has_value());
+}
+
+TEST_F(DiagnosisModelTest, TheSelectedCardOpensItsSheet) {
+    threeOrphans();
+    made().openSelectedEvidence();
+    EXPECT_FALSE(model->evidence().has_value());
+    model->select("orphan:801");
+    model->openSelectedEvidence();
+    ASSERT_TRUE(model->evidence());
+    EXPECT_EQ(model->evidence()->id, "orphan:801");
+    model->closeEvidence();
+    model->setMode(Mode::map);
+    model->openSelectedEvidence();
     EXPECT_FALSE(model->evidence().has_value());
 }
 

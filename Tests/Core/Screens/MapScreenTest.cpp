@@ -30,7 +30,8 @@ struct Scene : Machine {
 Scene halfFull() {
     Scene scene;
     scene.procs = {app(7, "Arc").mb(8192), app(8, "Foo").mb(2048)};
-    scene.findings = {finding("browser:Arc", QuitApp{"Arc"}, 4096 * MiB), finding("orphan:8", KillTrees{{8}}, 2048 * MiB),
+    scene.findings = {finding("browser:Arc", QuitApp{"Arc"}, 4096 * MiB),
+                      finding("orphan:8", KillTrees{{8}}, 2048 * MiB),
                       finding("indexing", Advice{"Wait; it stops by itself"}), finding("hog:7", KillTrees{{7}})};
     return scene;
 }
@@ -140,8 +141,9 @@ TEST(MapScreen, WithEveryFindingOnTheRingNothingIsAlsoFound) {
 
 TEST(MapScreen, AnOutcomeStandsInThePanelOfItsArcElseByItself) {
     Scene scene = halfFull();
-    scene.state.done = {{.finding = scene.findings[1], .line = "1 ended · 0 survivors · 5\u00a0MB", .name = "Foo", .icon = {}},
-                        {.finding = scene.findings[2], .line = "done", .name = "it", .icon = {}, .number = 1}};
+    scene.state.done = {
+        {.finding = scene.findings[1], .line = "1 ended · 0 survivors · 5\u00a0MB", .name = "Foo", .icon = {}},
+        {.finding = scene.findings[2], .line = "done", .name = "it", .icon = {}, .number = 1}};
     scene.state.selectedArc = "Foo";
     MapScreen map = scene.map();
     EXPECT_TRUE(map.panel.findings.empty());
