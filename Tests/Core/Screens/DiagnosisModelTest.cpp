@@ -1,5 +1,7 @@
 #include "Core/Screens/DiagnosisModel.h"
 
+#include <deque>
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -30,6 +32,12 @@ public:
         co_return co_await Callback<bool>([this](Callback<bool>::Resume resume) { open.push_back(std::move(resume)); });
     }
     void answer(std::size_t at, bool yes) { std::exchange(open.at(at), {})(yes); }
+    /// No question is left standing: who asked it would never end.
+    void leave() {
+        for (std::size_t at = 0; at < open.size(); ++at) {
+            if (open[at]) answer(at, false);
+        }
+    }
 
     std::vector<std::string> titles;
     std::vector<Callback<bool>::Resume> open;
@@ -38,6 +46,7 @@ public:
 class DiagnosisModelTest : public testing::Test {
 protected:
     DiagnosisModelTest() { machine.clock.advance(100000); }
+    void TearDown() override { slow.leave(); }
 
     /// A program that has lost its terminal.
     FakeProcess& orphan(Pid pid, const std::string& name, std::uint64_t megabytes = 100) {
@@ -70,8 +79,7 @@ protected:
         return *m_monitor;
     }
     void make(Asker& answers) {
-        actions = std::make_unique<Actions>(monitor(), answers);
-        model = std::make_unique<DiagnosisModel>(monitor(), *actions, [this] { ++disksOpened; });
+        model = std::make_unique<DiagnosisModel>(monitor(), actions.emplace_back(monitor(), answers), [this] { ++disksOpened; });
     }
     DiagnosisModel& made() {
         if (!model) make(asker);
@@ -96,7 +104,8 @@ private:
     std::unique_ptr<Monitor> m_monitor;
 
 protected:
-    std::unique_ptr<Actions> actions;
+    /// They outlive the questions that stand.
+    std::deque<Actions> actions;
     std::unique_ptr<DiagnosisModel> model;
 };
 
