@@ -29,12 +29,15 @@ function(ravik_test target folder)
   target_link_libraries(${target} PRIVATE ${TEST_LINK} GTest::gtest GTest::gmock GTest::gtest_main)
   target_compile_definitions(${target} PRIVATE RAVIK_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                              RAVIK_BINARY_DIR="${CMAKE_BINARY_DIR}")
+  # The tests' own code need not be fast; what they test is built as ever.
   if(NOT RAVIK_SANITIZE)
+    target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
     # A value without a printer of its own would be named by its bytes, which differ from run to run.
     gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES PROPERTIES TIMEOUT 300)
     return()
   endif()
 
+  target_compile_options(${target} PRIVATE -O0)
   string(REGEX REPLACE ",.*" "" sanitizer ${RAVIK_SANITIZE})
   set(shards 4)
   foreach(shard RANGE 1 ${shards})

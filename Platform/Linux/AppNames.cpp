@@ -61,9 +61,9 @@ AppNames::Folders AppNames::Folders::fromEnvironment() {
     const std::string base = home ? home : "";
     Folders folders;
     const auto addData = [&](const fs::path& data) {
-        fs::path applications = data / "applications";
-        if (std::ranges::find(folders.applications, applications) == folders.applications.end()) {
-            folders.applications.push_back(std::move(applications));
+        fs::path entries = data / "applications";
+        if (std::ranges::find(folders.applications, entries) == folders.applications.end()) {
+            folders.applications.push_back(std::move(entries));
         }
     };
     for (const fs::path& data : splitPaths(std::getenv("XDG_DATA_HOME"), (base + "/.local/share").c_str())) addData(data);
