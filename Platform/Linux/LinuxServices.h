@@ -8,6 +8,7 @@
 
 #include "Platform/Linux/ServiceRules.h"
 #include "Platform/Linux/Sockets.h"
+#include "Platform/Linux/XWindowOwners.h"
 #include "Platform/Platform.h"
 
 namespace ravik::platform {
@@ -44,7 +45,7 @@ public:
         /// May be null; outlives the services. Without it every unit of an application manages what lies in it.
         ApplicationUnits* applications = nullptr;
         /// Pids that own a window. Asked from the background task.
-        std::function<PidSet()> windowOwners;
+        std::function<PidSet()> windowOwners = [] { return xWindowOwners(); };
         /// All Unix sockets with their other ends; absent where the kernel does not tell.
         std::function<std::optional<std::vector<UnixSocket>>()> unixSockets = readUnixSockets;
     };

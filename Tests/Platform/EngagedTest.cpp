@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include <arpa/inet.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -8,7 +10,9 @@
 
 #include "Platform/Linux/LinuxServices.h"
 #include "Tests/Platform/Support/Children.h"
+#include "Tests/Platform/Support/Desktop.h"
 #include "Tests/Platform/Support/TemporaryFolder.h"
+#include "Tests/Platform/Support/XClient.h"
 
 namespace ravik::platform {
 namespace {
@@ -126,6 +130,23 @@ TEST_F(Engaged, IsNotWhoeverIsConnectedOnlyToItsOwnChildren) {
     EXPECT_THAT(ask({parent}, {getpid(), parent, child}), IsEmpty());
     // Seen as a process of its own, the child is in use.
     EXPECT_THAT(ask({child}, {getpid(), parent, child}), UnorderedElementsAre(child));
+}
+
+TEST_F(Engaged, IsWhoeverOwnsAWindowOnTheUsersDisplay) {
+    OwnXServer server;
+    ASSERT_NE(server.display(), "");
+    const Pid shown = startXClient(server.display(), OnClose::quit, reaper);
+    const Pid hidden = start([&] {});
+    LinuxServices::Options options;
+    options.uid = getuid();
+    options.self = getpid();
+    const char* before = std::getenv("DISPLAY");
+    const std::string kept = before ? before : "";
+    setenv("DISPLAY", server.display().c_str(), 1);
+    EXPECT_THAT(LinuxServices(options).engaged({shown, hidden}, readProcs({getpid(), shown, hidden})),
+                UnorderedElementsAre(shown));
+    if (before) setenv("DISPLAY", kept.c_str(), 1);
+    else unsetenv("DISPLAY");
 }
 
 TEST_F(Engaged, IsWhoeverOwnsAWindowItselfOrBelow) {
