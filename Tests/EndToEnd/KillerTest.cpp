@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <csignal>
 #include <set>
 
@@ -26,6 +27,8 @@ using testing::IsEmpty;
 
 constexpr double grace = 3.0;
 constexpr double settle = 0.2;
+/// Microseconds; the kernel stamps starts to the hundredth of a second, in which no computer goes round all its pids.
+constexpr useconds_t stampWidth = 20'000;
 /// What a busy computer may add.
 constexpr double slack = 1.0;
 
@@ -139,8 +142,14 @@ TEST_F(RealKiller, WithoutAGraceKillsAtOnce) {
 TEST_F(RealKiller, EndsAStoppedTreePolitely) {
     const Life* root = begin(Nature::polite, [&] { lives.begin(Nature::polite); });
     for (std::size_t at = 0; at < 2; ++at) kill(lives.at(at).pid, SIGSTOP);
-    ASSERT_TRUE(waitUntil([&] { return waitpid(root->pid, nullptr, WUNTRACED | WNOHANG) == root->pid; }));
-    EXPECT_THAT(killTree(*root, scan()), IsEmpty());
+    const std::vector<Proc> procs = scan();
+    ASSERT_TRUE(waitUntil([&] {
+        return std::ranges::count_if(procs, [&](const Proc& proc) {
+            const auto process = signals.verify(proc);
+            return process && signals.stopped(*process);
+        }) == 2;
+    }));
+    EXPECT_THAT(killTree(*root, procs), IsEmpty());
     EXPECT_EQ(root->end, Life::ended);
     EXPECT_EQ(lives.at(1).end, Life::ended);
     EXPECT_LT(took, settle + slack);
@@ -180,7 +189,6 @@ TEST_F(RealKiller, LeavesAnotherUsersRootAndItsChildrenAlone) {
     });
     const std::vector<Proc> procs = asAnothers(*root, scan());
     EXPECT_THAT(killTree(*root, procs), ElementsAre(root->pid.load()));
-    EXPECT_LT(took, settle);
     const EndResult result = end(*root, procs);
     ASSERT_TRUE(std::holds_alternative<Refused>(result));
     EXPECT_EQ(std::get<Refused>(result).reason,
@@ -202,12 +210,12 @@ TEST_F(RealKiller, LeavesWhatATargetStartsWhileItEndsAlone) {
 TEST_F(RealKiller, LeavesAStrangerWithTheRootsPidAlone) {
     const Life* root = begin(Nature::polite, [&] { lives.begin(Nature::polite); });
     const std::vector<Proc> procs = scan();
+    usleep(stampWidth);
     reaper.end(root->pid);
     const Life* stranger = begin(Nature::polite, {}, root->pid);
     ASSERT_NE(stranger, nullptr) << "its pid cannot be chosen";
     ASSERT_EQ(stranger->pid, root->pid);
     EXPECT_THAT(killTree(*root, procs), IsEmpty());
-    EXPECT_LT(took, settle);
     const EndResult result = end(*root, procs);
     EXPECT_EQ(result, EndResult(Ended{}));
     EXPECT_EQ(stranger->terms, 0);
@@ -222,6 +230,7 @@ TEST_F(RealKiller, LeavesAStrangerWithAChildsPidAlone) {
     });
     const Pid child = lives.at(1).pid;
     const std::vector<Proc> procs = scan();
+    usleep(stampWidth);
     Lives::ask(lives.at(1));
     Life* stranger = nullptr;
     ASSERT_TRUE(waitUntil([&] { return (stranger = begin(Nature::polite, {}, child)) != nullptr; }));
