@@ -1,0 +1,66 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Ravik
+
+// One of a few views. A single stop for Tab; the arrow keys choose.
+Item {
+    id: picker
+
+    required property list<string> options
+    required property int selection
+    /// What is chosen, to assistive technology.
+    required property string spoken
+
+    signal picked(int index)
+
+    function step(by) {
+        const mirrored = LayoutMirroring.enabled ? -by : by;
+        const next = Math.max(0, Math.min(options.length - 1, selection + mirrored));
+        if (next !== selection)
+            picked(next);
+        const chosen = row.itemAt(next);
+        if (chosen)
+            chosen.forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    implicitWidth: row.implicitWidth + 4
+    implicitHeight: row.implicitHeight + 4
+    Keys.onLeftPressed: step(-1)
+    Keys.onRightPressed: step(1)
+    Accessible.role: Accessible.Grouping
+    Accessible.name: spoken
+
+    Rectangle {
+        anchors.fill: parent
+        radius: 8
+        color: Tokens.select
+    }
+
+    FlowLayout {
+        id: row
+
+        function itemAt(index: int): Item {
+            return buttons.itemAt(index);
+        }
+
+        x: 2
+        y: 2
+        width: parent.width - 4
+
+        Repeater {
+            id: buttons
+
+            model: picker.options
+
+            delegate: ModeOption {
+                required property int index
+                required property string modelData
+
+                text: modelData
+                checked: index === picker.selection
+                onTriggered: picker.picked(index)
+            }
+        }
+    }
+}

@@ -1,0 +1,10 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Ravik
+
+// For a result that arrives.
+NumberAnimation {
+    duration: Tokens.resultInTime
+    easing: Tokens.resultIn
+}
