@@ -1,13 +1,14 @@
 #pragma once
 
+#include <QColor>
 #include <QIcon>
-
-#include "Core/Screens/Glyph.h"
+#include <QString>
 
 namespace ravik::app {
 
-/// The status item's drawing: the chip, and the amount in digits beneath it, since a tray shows no text. Redrawn by
-/// the tray for each size it asks for.
-QIcon glyphIcon(const Glyph& glyph);
+/// The status item's drawing: a memory chip; with an amount the chip filled above its digits, since a tray shows no
+/// text. In one colour, drawn anew for each size that the tray asks for.
+/// `amount`: the figure alone, "4.6" or "712"; empty for the plain chip.
+QIcon glyphIcon(const QString& amount, const QColor& color);
 
 }  // namespace ravik::app

@@ -1,8 +1,9 @@
 #include "App/StatusBarController.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QLocale>
-#include <QTimer>
+#include <QSessionManager>
 
 #include <nlohmann/json.hpp>
 
@@ -10,11 +11,13 @@ namespace ravik::app {
 
 namespace {
 
-using namespace std::chrono_literals;
+constexpr double openAfter = 2;  // seconds, as all of these
+constexpr double panelOpensAfter = 5;
+constexpr double panelClosesAfter = 10;
+/// A program that starts with the desktop may be there before its status area.
+constexpr double trayComesWithin = 2;
 
-constexpr auto openAfter = 2s;
-constexpr auto panelOpensAfter = 5s;
-constexpr auto panelClosesAfter = 10s;
+const std::vector<Destination> screens{Destination::diagnosis};
 
 }  // namespace
 
@@ -23,10 +26,23 @@ StatusBarController::StatusBarController(Computer& computer, Log& log, const Hos
       m_log(log),
       m_underTest(computer.environment("XCTestConfigurationFilePath").has_value()),
       m_monitor(computer.platform(), log, host, Monitor::Role::watcher),
+      m_nav(log, screens),
+      m_history(computer.platform().loop, computer.platform().folders.log, computer.platform().folders.historyCache),
+      m_icons([&computer](const std::string& group) { return computer.platform().workspace.iconPath(group); }),
       m_views(m_program),
-      m_program{m_monitor, m_views, [this] { openMain(); }, [] { QCoreApplication::quit(); }} {}
+      m_disk(computer.platform(), log, host.kind, m_views),
+      m_actions(m_monitor, m_views),
+      m_program{m_monitor,
+                m_nav,
+                m_disk,
+                m_history,
+                m_icons,
+                m_views,
+                [this] { openMain(); },
+                [] { QCoreApplication::quit(); }},
+      m_item(m_nav.screens()) {}
 
-StatusBarController::~StatusBarController() = default;
+StatusBarController::~StatusBarController() { terminate(); }
 
 bool StatusBarController::launch() {
     m_log.event("launch", {{"version", RAVIK_VERSION}});
@@ -35,41 +51,59 @@ bool StatusBarController::launch() {
         const double seconds = QLocale::c().toDouble(QString::fromStdString(*variable), &isNumber);
         if (isNumber) m_monitor.setInterval(seconds);
     }
-    connect(&m_item, &StatusItem::clicked, this, &StatusBarController::toggle);
+    connectItem();
     m_observing = m_monitor.observe([this](Monitor::Change change) {
         if (change == Monitor::Change::snapshot) render();
     });
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive) m_monitor.checkNotifications();
+    });
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, this, [this] { m_monitor.releaseAllLive(); });
+    connect(qGuiApp, &QGuiApplication::aboutToQuit, this, &StatusBarController::terminate);
     m_computer.platform().notifier.onAction([this](const std::string& action) { answer(action); });
     m_monitor.checkNotifications();
-    render();
     m_monitor.start();
     m_monitor.watchFocus();
     readEnvironment();
     return true;
 }
 
+void StatusBarController::connectItem() {
+    connect(&m_item, &StatusItem::clicked, this, &StatusBarController::toggle);
+    connect(&m_item, &StatusItem::openChosen, this, [this] { openMain(); });
+    connect(&m_item, &StatusItem::screenChosen, this, [this](Destination screen) { go(screen); });
+    connect(&m_item, &StatusItem::quitChosen, this, [] { QCoreApplication::quit(); });
+    m_item.setDark(isTrayDark());
+    render();
+    if (!StatusItem::isAvailable()) {
+        m_computer.platform().loop.after(trayComesWithin, [this] { openWithoutTray(); });
+    }
+}
+
 void StatusBarController::readEnvironment() {
-    if (m_computer.environment("TOLVANE_OPEN")) {
-        QTimer::singleShot(openAfter, this, [this] { openMain(); });
+    MainLoop& loop = m_computer.platform().loop;
+    if (const auto variable = m_computer.environment("TOLVANE_OPEN")) {
+        if (const auto screen = parseDestination(*variable)) loop.after(openAfter, [this, screen] { go(*screen); });
     }
     if (m_computer.environment("TOLVANE_PANEL_ONCE")) {
-        QTimer::singleShot(panelOpensAfter, this, [this] { toggle(); });
-        QTimer::singleShot(panelClosesAfter, this, [this] { m_views.closePanel(); });
+        loop.after(panelOpensAfter, [this] { toggle(); });
+        loop.after(panelClosesAfter, [this] { m_views.closePanel(); });
     }
     if (m_computer.environment("TOLVANE_CLOSE_WINDOW")) {
-        QTimer::singleShot(openAfter, this, [this] { m_views.closeMain(); });
+        loop.after(openAfter, [this] { m_views.closeMain(); });
     }
 }
 
 void StatusBarController::render() { m_item.render(Glyph(m_monitor.snapshot(), m_monitor.host())); }
 
 void StatusBarController::toggle() {
+    if (m_views.raiseQuestion()) return;
     if (m_views.isPanelOpen()) {
         m_views.closePanel();
-        return;
+    } else if (!m_views.hasPanelJustLeft()) {
+        m_views.openPanel(m_item.place());
+        m_log.event("panel", nlohmann::json::object());
     }
-    m_views.openPanel(m_item.place());
-    m_log.event("panel", nlohmann::json::object());
 }
 
 void StatusBarController::openMain(const QByteArray& token) {
@@ -77,12 +111,36 @@ void StatusBarController::openMain(const QByteArray& token) {
     m_views.openMain(token);
 }
 
+void StatusBarController::go(Destination screen, const QByteArray& token) {
+    m_nav.go(screen);
+    openMain(token);
+}
+
+void StatusBarController::openWithoutTray() {
+    if (!m_hasEnded && !StatusItem::isAvailable()) openMain();
+}
+
+std::optional<bool> StatusBarController::isTrayDark() const {
+    // GNOME's bar is dark whatever the scheme of its windows.
+    const auto desktop = m_computer.environment("XDG_CURRENT_DESKTOP").value_or("");
+    if (desktop.find("GNOME") != desktop.npos || desktop.find("Unity") != desktop.npos) return true;
+    return {};
+}
+
 void StatusBarController::answer(const std::string& action) {
     m_log.event("notificationAction", {{"action", action}});
-    openMain();
+    if (action == "free") {
+        spawn(m_actions.freeAll({}), [](const std::optional<std::string>&) {});
+        return;
+    }
+    go(Destination::diagnosis);
 }
 
 void StatusBarController::terminate() {
+    if (m_hasEnded) return;
+    m_hasEnded = true;
+    m_observing.end();
+    m_views.end();
     m_monitor.stop();
     m_monitor.releaseAllLive();
     m_computer.platform().notifier.onAction({});

@@ -1,12 +1,14 @@
 #pragma once
 
-#include <memory>
-
 #include <QObject>
 
 #include "App/StatusItem.h"
 #include "App/Views/QmlViews.h"
 #include "Core/Base/Subscription.h"
+#include "Core/Ending/Actions.h"
+#include "Core/Screens/DiskModel.h"
+#include "Core/Screens/HistoryModel.h"
+#include "Core/Screens/Nav.h"
 #include "Core/Watch/Monitor.h"
 #include "Platform/Computer.h"
 
@@ -24,24 +26,41 @@ public:
 
     /// Everything that happens at launch. False if another instance runs, which has been brought to the front.
     bool launch();
+    /// The panel, open or closed; while a question stands, the question.
     void toggle();
     void openMain(const QByteArray& token = {});
-    /// Before the program ends: nothing stays paused or demoted.
+    /// Before the program ends: nothing stays asked, paused or demoted. Once.
     void terminate();
 
+    Monitor& monitor() { return m_monitor; }
+    Nav& nav() { return m_nav; }
+    StatusItem& item() { return m_item; }
+    Views& views() { return m_views; }
+
 private:
+    void connectItem();
     void render();
     void readEnvironment();
     void answer(const std::string& action);
+    void go(Destination screen, const QByteArray& token = {});
+    /// Where there is no status area, the program shows itself in its window.
+    void openWithoutTray();
+    std::optional<bool> isTrayDark() const;
 
     Computer& m_computer;
     Log& m_log;
     const bool m_underTest;
     Monitor m_monitor;
+    Nav m_nav;
+    HistoryModel m_history;
+    AppIcons::Cache m_icons;
     QmlViews m_views;
+    DiskModel m_disk;
+    Actions m_actions;
     const Program m_program;
     StatusItem m_item;
     Subscription m_observing;
+    bool m_hasEnded = false;
 };
 
 }  // namespace ravik::app

@@ -13,30 +13,62 @@
 
 namespace ravik::app {
 
-QmlViews::QmlViews(const Program& program) : m_program(program) {}
+namespace {
 
-QmlViews::~QmlViews() = default;
+/// From the loss of the focus, at the press, to the click that a tray tells of, at the release.
+constexpr int clickLasts = 500;  // ms
+
+bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
+
+}  // namespace
+
+QmlViews::QmlViews(const Program& program) : m_program(program) {
+    QObject::connect(&m_questions, &Questions::asked, &m_frame, [this] {
+        if (m_panel) m_panel->hide();
+    });
+    QObject::connect(&m_questions, &Questions::answered, &m_frame, [this] {
+        if (m_panel) showPanel();
+    });
+}
+
+QmlViews::~QmlViews() { end(); }
 
 void QmlViews::openPanel(const QRect& icon) {
     if (m_panel) return;
     m_icon = icon;
+    m_pointer = QCursor::pos();
     m_panel = m_frame.open("MenuBarPanel", std::make_unique<PanelView>(m_program));
-    placePanel();
-    QObject::connect(m_panel, &QWindow::widthChanged, m_panel, [this] { placePanel(); });
-    QObject::connect(m_panel, &QWindow::heightChanged, m_panel, [this] { placePanel(); });
-    QObject::connect(m_panel, &QWindow::activeChanged, m_panel, [this] {
-        if (m_panel && !m_panel->isActive()) closePanel();
+    // There a client chooses no place for its window, so the user has to be able to.
+    if (isWayland()) m_panel->setFlags(Qt::Dialog);
+    auto* panel = m_panel;
+    QObject::connect(panel, &QWindow::widthChanged, &m_frame, [this] { placePanel(); });
+    QObject::connect(panel, &QWindow::heightChanged, &m_frame, [this] { placePanel(); });
+    QObject::connect(panel, &QWindow::activeChanged, &m_frame, [this, panel] {
+        if (panel == m_panel && !panel->isActive()) leavePanel();
     });
+    QObject::connect(panel, &QWindow::visibleChanged, &m_frame, [this, panel](bool shown) {
+        if (panel == m_panel && !shown && !m_questions.isStanding()) closePanel();
+    });
+    showPanel();
+}
+
+void QmlViews::showPanel() {
+    placePanel();
     m_panel->show();
     m_panel->requestActivate();
 }
 
 void QmlViews::placePanel() {
     if (!m_panel) return;
-    const QPoint pointer = QCursor::pos();
-    const QScreen* screen = QGuiApplication::screenAt(m_icon.isEmpty() ? pointer : m_icon.center());
+    const QScreen* screen = QGuiApplication::screenAt(m_icon.isEmpty() ? m_pointer : m_icon.center());
     if (!screen) screen = QGuiApplication::primaryScreen();
-    m_panel->setPosition(panelPlace(m_panel->size(), m_icon, pointer, screen->availableGeometry()));
+    if (screen) m_panel->setPosition(panelPlace(m_panel->size(), m_icon, m_pointer, screen->availableGeometry()));
+}
+
+void QmlViews::leavePanel() {
+    if (m_questions.isStanding()) return;
+    if (m_icon.isEmpty() || m_icon.contains(QCursor::pos())) m_left.start();
+    closePanel();
 }
 
 void QmlViews::closePanel() {
@@ -45,14 +77,23 @@ void QmlViews::closePanel() {
 
 bool QmlViews::isPanelOpen() const { return m_panel != nullptr; }
 
+bool QmlViews::hasPanelJustLeft() const { return m_left.isValid() && !m_left.hasExpired(clickLasts); }
+
+bool QmlViews::raiseQuestion() {
+    m_questions.raise();
+    return m_questions.isStanding();
+}
+
 void QmlViews::openMain(const QByteArray& token) {
     if (!token.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", token);
     if (!m_main) {
         m_main = m_frame.open("MainWindow", std::make_unique<MainView>(m_program));
-        QObject::connect(m_main, &QWindow::visibleChanged, m_main, [this](bool shown) {
-            if (!shown) closeMain();
+        QObject::connect(m_main, &QWindow::visibilityChanged, &m_frame, [this](QWindow::Visibility visibility) {
+            m_program.nav.setWindowShown(visibility != QWindow::Hidden && visibility != QWindow::Minimized);
+            if (visibility == QWindow::Hidden) closeMain();
         });
         m_main->show();
+        m_program.nav.windowAppeared();
     }
     m_main->raise();
     m_main->requestActivate();
@@ -64,7 +105,13 @@ void QmlViews::closeMain() {
 
 bool QmlViews::isMainOpen() const { return m_main != nullptr; }
 
-Task<bool> QmlViews::ask(const Confirmation&) { co_return false; }
+void QmlViews::end() {
+    m_questions.end();
+    closePanel();
+    closeMain();
+}
+
+Task<bool> QmlViews::ask(const Confirmation& question) { return m_questions.ask(question); }
 
 bool QmlViews::isActive() { return QGuiApplication::applicationState() == Qt::ApplicationActive; }
 

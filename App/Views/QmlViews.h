@@ -1,7 +1,12 @@
 #pragma once
 
+#include <QElapsedTimer>
+#include <QPoint>
+#include <QRect>
+
 #include "App/Views/Program.h"
 #include "App/Views/QmlFrame.h"
+#include "App/Views/Questions.h"
 #include "App/Views/Views.h"
 
 namespace ravik::app {
@@ -19,16 +24,24 @@ public:
     void openPanel(const QRect& icon) override;
     void closePanel() override;
     bool isPanelOpen() const override;
+    bool hasPanelJustLeft() const override;
+    bool raiseQuestion() override;
     void openMain(const QByteArray& token) override;
     void closeMain() override;
     bool isMainOpen() const override;
+    void end() override;
 
 private:
+    void showPanel();
     void placePanel();
+    void leavePanel();
 
     const Program& m_program;
     QmlFrame m_frame;
+    Questions m_questions{m_frame, m_program};
     QRect m_icon;
+    QPoint m_pointer;
+    QElapsedTimer m_left;
     /// Freed by the frame.
     QQuickWindow* m_panel = nullptr;
     QQuickWindow* m_main = nullptr;

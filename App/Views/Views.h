@@ -19,12 +19,20 @@ public:
     virtual void openPanel(const QRect& icon) = 0;
     /// Nothing if there is none.
     virtual void closePanel() = 0;
+    /// While its question stands it is open, though not on view.
     virtual bool isPanelOpen() const = 0;
+    /// The panel closed a moment ago because it lost the focus, which is what a click on the status item does to it.
+    virtual bool hasPanelJustLeft() const = 0;
+    /// Brings the question that stands to the front; false if there is none.
+    virtual bool raiseQuestion() = 0;
 
     /// Opens the main window, or brings it to the front. `token`: what the desktop gave for that; may be empty.
     virtual void openMain(const QByteArray& token) = 0;
     virtual void closeMain() = 0;
     virtual bool isMainOpen() const = 0;
+
+    /// Before the program ends: closes all, and answers the question that stands with no.
+    virtual void end() = 0;
 };
 
 }  // namespace ravik::app

@@ -5,24 +5,13 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <gtest/gtest.h>
-
 #include "App/Views/PanelView.h"
-#include "Tests/Fakes/FakeAsker.h"
-#include "Tests/Fakes/FakeMachine.h"
-#include "Tests/Fakes/LogFolder.h"
+#include "Tests/App/Desk.h"
 
 namespace ravik::app {
 namespace {
 
-class QmlFrameTest : public testing::Test {
-protected:
-    fakes::FakeMachine machine;
-    fakes::LogFolder folder{machine.clock};
-    Monitor monitor{machine.platform, folder.log, machine.host, Monitor::Role::reader};
-    fakes::FakeAsker asker;
-    const Program program{monitor, asker, [] {}, [] {}};
-};
+using QmlFrameTest = Desk;
 
 TEST_F(QmlFrameTest, FreesTheWindowThenItsViewAndAtLastTheEngine) {
     QmlFrame frame;

@@ -1,0 +1,68 @@
+#include "App/Views/Questions.h"
+
+#include <utility>
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include "App/Views/QuestionView.h"
+
+namespace ravik::app {
+
+Questions::Questions(QmlFrame& frame, const Program& program) : m_frame(frame), m_program(program) {}
+
+Questions::~Questions() { end(); }
+
+Task<bool> Questions::ask(const Confirmation& question) {
+    if (m_hasEnded || m_resume) {
+        raise();
+        co_return false;
+    }
+    co_return co_await Callback<bool>(
+        [this, &question](std::function<void(bool)> resume) { put(question, std::move(resume)); });
+}
+
+void Questions::put(const Confirmation& question, std::function<void(bool)> resume) {
+    m_resume = std::move(resume);
+    auto view = std::make_unique<QuestionView>(QuestionScreen(question, m_program.monitor.host()), m_program,
+                                               [this](bool yes) { answer(yes); });
+    auto& keys = *view;
+    m_window = m_frame.open("QuestionWindow", std::move(view));
+    keys.watch(*m_window);
+    Q_EMIT asked();
+    const QScreen* screen = m_window->screen();
+    const QRect free = screen ? screen->availableGeometry() : QRect();
+    m_window->setPosition(free.center() - QRect(QPoint(), m_window->size()).center());
+    m_window->show();
+    raise();
+}
+
+void Questions::raise() {
+    if (!m_window) return;
+    m_window->raise();
+    m_window->requestActivate();
+}
+
+void Questions::answer(bool yes) {
+    if (!m_window) return;
+    m_frame.close(std::exchange(m_window, nullptr));
+    Q_EMIT answered();
+    // What follows may block the loop for seconds: the window goes first.
+    QMetaObject::invokeMethod(
+        this, [this, yes] { resume(yes); }, Qt::QueuedConnection);
+}
+
+void Questions::resume(bool yes) {
+    if (const auto once = std::exchange(m_resume, {})) once(yes);
+}
+
+void Questions::end() {
+    m_hasEnded = true;
+    if (m_window) {
+        m_frame.close(std::exchange(m_window, nullptr));
+        Q_EMIT answered();
+    }
+    resume(false);
+}
+
+}  // namespace ravik::app
