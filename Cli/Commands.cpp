@@ -2,6 +2,7 @@
 #include "Cli/Command.h"
 #include "Cli/DiskCommands.h"
 #include "Cli/EndCommand.h"
+#include "Cli/FeedbackCommand.h"
 #include "Cli/Help.h"
 #include "Cli/HistoryCommands.h"
 #include "Cli/KeepCommand.h"
@@ -88,6 +89,10 @@ const std::vector<Command>& commands() {
          "Exactly what the usage report of a day would hold; nothing is sent",
          {json, logs, {"--day", "a day as 2026-03-01, today if not told", "D"}},
          runReport},
+        {"feedback",
+         "Pack the logs and crash reports into one zip that you can send; prints its path",
+         {{"--into", "the folder to put it in, in place of your desktop folder", "DIR"}},
+         runFeedback},
         {"log",
          "The lines of the event log",
          {{"-f", "go on with each new line"}, {"--kind", "only lines of this kind", "K", false, true}},

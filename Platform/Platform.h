@@ -235,6 +235,10 @@ struct Folders {
     std::filesystem::path settings;  // the file
     std::filesystem::path runtime;
     std::filesystem::path desktop;
+    /// For what is thrown away again at once.
+    std::filesystem::path temporary;
+    /// Where the system, or the program itself, leaves reports of its crashes; their names begin with "Ravik".
+    std::filesystem::path crashReports;
 };
 
 /// Moves things where the user can get them back from.
@@ -243,6 +247,61 @@ public:
     virtual ~Trash() = default;
     /// Absent if it went; else one sentence that says why it did not. Nothing is ever removed in place.
     virtual std::optional<std::string> move(const std::filesystem::path& path) = 0;
+};
+
+/// Packs a folder into one file. Any thread.
+class Archive {
+public:
+    virtual ~Archive() = default;
+    /// Writes a zip of `folder`, itself included under its own name, to `file`. Links are packed as links, never
+    /// followed. Absent once `file` is there whole; else why it is not, as a sentence, and an earlier `file` is
+    /// untouched. Gives up soon after `cancelled` says true; it may be empty.
+    virtual std::optional<std::string> zip(const std::filesystem::path& folder, const std::filesystem::path& file,
+                                           const std::function<bool()>& cancelled) = 0;
+};
+
+/// A run of the program that ended by a crash. 0 and the empty text: unknown.
+struct CrashDiagnostic {
+    int signal = 0;
+    int exception = 0;
+    std::string version;  // of the program that crashed
+    std::string reason;
+
+    friend bool operator==(const CrashDiagnostic&, const CrashDiagnostic&) = default;
+};
+
+/// A main loop that stood still.
+struct HangDiagnostic {
+    double seconds = 0;
+
+    friend bool operator==(const HangDiagnostic&, const HangDiagnostic&) = default;
+};
+
+struct DiagnosticPayload {
+    std::vector<CrashDiagnostic> crashes;
+    std::vector<HangDiagnostic> hangs;
+
+    friend bool operator==(const DiagnosticPayload&, const DiagnosticPayload&) = default;
+};
+
+/// The program's own crashes and hangs. Main loop.
+class CrashReports {
+public:
+    virtual ~CrashReports() = default;
+    /// What earlier runs left and no run has taken, oldest first. Each is given out once; the files that tell of them
+    /// stay in Folders::crashReports, a bounded number.
+    virtual std::vector<DiagnosticPayload> takeNew() = 0;
+    /// From now on a crash of this process, and a main loop that does not turn for 2 seconds, leave a report. How the
+    /// process ends stays as it is. Once.
+    virtual void watch(const std::string& version) = 0;
+};
+
+/// The desktop's file manager. Main loop.
+class FileViewer {
+public:
+    virtual ~FileViewer() = default;
+    /// Shows the folder of the file with the file selected; nothing where there is no file manager to ask.
+    virtual void reveal(const std::filesystem::path& file) = 0;
 };
 
 /// The main loop. post() and background() from any thread, the rest on the loop.
@@ -299,6 +358,9 @@ struct Platform {
     MainLoop& loop;
     Clock& clock;
     WatchLock& watchLock;
+    Archive& archive;
+    CrashReports& crashReports;
+    FileViewer& fileViewer;
     Folders folders;
 };
 

@@ -92,6 +92,8 @@ Folders linuxFolders(const Environment& environment) {
         const std::string userDirs = environment.read(config / "user-dirs.dirs").value_or("");
         folders.desktop = userFolder(userDirs, "XDG_DESKTOP_DIR", home).value_or(home);
     }
+    folders.temporary = absolute(environment, "TMPDIR").value_or("/tmp");
+    folders.crashReports = folders.log;
     return folders;
 }
 

@@ -8,6 +8,7 @@
 #include "Platform/Linux/Clock.h"
 #include "Platform/Linux/DesktopNotifier.h"
 #include "Platform/Linux/DesktopWorkspace.h"
+#include "Platform/Linux/FileManager.h"
 #include "Platform/Linux/FileTrash.h"
 #include "Platform/Linux/Folders.h"
 #include "Platform/Linux/GLibLoop.h"
@@ -18,10 +19,12 @@
 #include "Platform/Linux/PidfdSignals.h"
 #include "Platform/Linux/PosixTerminal.h"
 #include "Platform/Linux/ReadFile.h"
+#include "Platform/Linux/ReportFolder.h"
 #include "Platform/Linux/SessionBus.h"
 #include "Platform/Linux/SettingsFile.h"
 #include "Platform/Linux/StandardStreams.h"
 #include "Platform/Linux/WatcherLock.h"
+#include "Platform/Linux/ZipArchive.h"
 
 namespace ravik::platform {
 
@@ -41,8 +44,9 @@ public:
           m_settings(m_folders.settings),
           m_watchLock(m_folders.runtime, std::move(name), geteuid()),
           m_levers(m_signals, leverOptions()),
-          m_platform{m_processes, m_machine, m_signals, m_levers, m_services,  *m_workspace, m_notifier,
-                     m_settings,  m_trash,   m_loop,    m_clock,  m_watchLock, m_folders} {}
+          m_platform{m_processes, m_machine,   m_signals, m_levers,       m_services,   *m_workspace, m_notifier, m_settings,
+                     m_trash,     m_loop,      m_clock,   m_watchLock,    m_archive,    m_crashReports, m_fileViewer,
+                     m_folders} {}
 
     Platform& platform() override { return m_platform; }
     Terminal& terminal() override { return m_terminal; }
@@ -108,7 +112,11 @@ private:
     PosixTerminal m_terminal;
     WatcherLock m_watchLock;
     LinuxLevers m_levers;
+    ZipArchive m_archive;
+    FileManager m_fileViewer;
     GLibLoop m_loop;
+    /// Stops watching the loop before the loop waits for what runs beside it.
+    ReportFolder m_crashReports{m_folders.crashReports};
     Platform m_platform;
 };
 

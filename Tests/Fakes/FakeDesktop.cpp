@@ -1,6 +1,8 @@
 #include "Tests/Fakes/FakeDesktop.h"
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 
 namespace ravik::fakes {
 
@@ -48,6 +50,26 @@ bool FakeDefaults::remove(std::string_view key) {
     if (const auto hit = values.find(key); hit != values.end()) values.erase(hit);
     ++writes;
     return true;
+}
+
+std::optional<std::string> FakeArchive::zip(const std::filesystem::path& from, const std::filesystem::path& to,
+                                            const std::function<bool()>& cancelled) {
+    namespace fs = std::filesystem;
+    folder = from;
+    file = to;
+    permissions = fs::status(from).permissions();
+    if (refusal) return refusal;
+    if (cancelled && cancelled()) return "It was interrupted.";
+    for (const auto& entry : fs::recursive_directory_iterator(from)) {
+        const std::string name = fs::relative(entry.path(), from.parent_path()).string();
+        if (entry.is_directory()) {
+            packed[name + "/"];
+        } else {
+            std::ifstream bytes(entry.path(), std::ios::binary);
+            packed[name] = {std::istreambuf_iterator<char>(bytes), {}};
+        }
+    }
+    return {};
 }
 
 }  // namespace ravik::fakes

@@ -116,6 +116,37 @@ public:
     std::optional<std::string> refusal;
 };
 
+/// Packs nothing: remembers what lay in the folder that it was given.
+class FakeArchive : public Archive {
+public:
+    std::optional<std::string> zip(const std::filesystem::path& folder, const std::filesystem::path& file,
+                                   const std::function<bool()>& cancelled) override;
+
+    /// Path below the folder's parent, to the bytes of the file; a folder's ends with "/".
+    std::map<std::string, std::string> packed;
+    std::filesystem::path file;
+    std::filesystem::path folder;
+    /// The mode of the folder while it was packed.
+    std::filesystem::perms permissions{};
+    std::optional<std::string> refusal;
+};
+
+class FakeCrashReports : public CrashReports {
+public:
+    std::vector<DiagnosticPayload> takeNew() override { return std::exchange(payloads, {}); }
+    void watch(const std::string& version) override { watched = version; }
+
+    std::vector<DiagnosticPayload> payloads;
+    std::optional<std::string> watched;
+};
+
+class FakeFileViewer : public FileViewer {
+public:
+    void reveal(const std::filesystem::path& file) override { revealed.push_back(file); }
+
+    std::vector<std::filesystem::path> revealed;
+};
+
 class FakeWatchLock : public WatchLock {
 public:
     std::optional<Refusal> acquire() override {

@@ -18,9 +18,12 @@ struct FakeMachine {
     FakeDefaults defaults;
     FakeTrash trash;
     FakeWatchLock watchLock;
+    FakeArchive archive;
+    FakeCrashReports crashReports;
+    FakeFileViewer fileViewer;
     Folders folders;
-    Platform platform{processes, readings, processes, processes, services,  workspace,
-                      notifier,  defaults, trash,     loop,      clock,     watchLock, folders};
+    Platform platform{processes, readings, processes, processes, services,  workspace, notifier,     defaults,
+                      trash,     loop,     clock,     watchLock, archive,   crashReports, fileViewer, folders};
 
     /// This user's machine; the program itself is pid 50.
     Host host{HostKind::linux, 1000, 50, {1}, {}};

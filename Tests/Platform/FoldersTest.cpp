@@ -42,16 +42,21 @@ TEST(Folders, LieBelowHomeByDefault) {
     EXPECT_EQ(folders.settings, "/home/ada/.config/ravik/settings.json");
     EXPECT_EQ(folders.runtime, "/tmp/ravik-1234");
     EXPECT_EQ(folders.desktop, "/home/ada");
+    EXPECT_EQ(folders.temporary, "/tmp");
+    EXPECT_EQ(folders.crashReports, "/home/ada/.local/state/ravik");
 }
 
 TEST(Folders, FollowTheVariables) {
     User user;
     user.variables["XDG_STATE_HOME"] = "/s";
+    user.variables["TMPDIR"] = "/t";
     user.variables["XDG_CACHE_HOME"] = "/c/";
     user.variables["XDG_CONFIG_HOME"] = "/e";
     user.variables["XDG_RUNTIME_DIR"] = "/run/user/1234";
     const Folders folders = user.folders();
     EXPECT_EQ(folders.log, "/s/ravik");
+    EXPECT_EQ(folders.crashReports, "/s/ravik");
+    EXPECT_EQ(folders.temporary, "/t");
     EXPECT_EQ(folders.formerLog, "/s/tolvane");
     EXPECT_EQ(folders.historyCache, "/c/ravik/history");
     EXPECT_EQ(folders.settings, "/e/ravik/settings.json");

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Platform/Platform.h"
+
+namespace ravik::platform {
+
+/// The desktop's file manager over the session bus (org.freedesktop.FileManager1), started by the bus if it has to be.
+class FileManager : public FileViewer {
+public:
+    /// Returns at once: the bus may take its time to start the file manager.
+    void reveal(const std::filesystem::path& file) override;
+};
+
+}  // namespace ravik::platform
