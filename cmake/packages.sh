@@ -44,6 +44,7 @@ xvfb                       xorg-x11-server-Xvfb   xorg-server-xvfb -
 dbus                       dbus-daemon            dbus           -
 openbox                    openbox                openbox        -
 xterm                      xterm                  xterm          -
+unzip                      unzip                  unzip          -
 '
 packages_lint='
 clang-format-16            clang-tools-extra      clang          clang-format

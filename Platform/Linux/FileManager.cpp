@@ -4,8 +4,6 @@
 
 #include <gio/gio.h>
 
-#include "Platform/Linux/SessionBus.h"
-
 namespace ravik::platform {
 
 namespace {
@@ -34,15 +32,11 @@ void show(GObject*, GAsyncResult* result, gpointer data) {
 }  // namespace
 
 void FileManager::reveal(const std::filesystem::path& file) {
-    const std::string address = sessionBusAddress();
-    gchar* uri = g_filename_to_uri(file.c_str(), nullptr, nullptr);
-    if (address.empty() || !uri) {
-        g_free(uri);
-        return;
-    }
+    gchar* uri = m_bus.empty() ? nullptr : g_filename_to_uri(file.c_str(), nullptr, nullptr);
+    if (!uri) return;
     const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    g_dbus_connection_new_for_address(address.c_str(), flags, nullptr, nullptr, show, uri);
+    g_dbus_connection_new_for_address(m_bus.c_str(), flags, nullptr, nullptr, show, uri);
 }
 
 }  // namespace ravik::platform

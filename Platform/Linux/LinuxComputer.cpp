@@ -113,7 +113,7 @@ private:
     WatcherLock m_watchLock;
     LinuxLevers m_levers;
     ZipArchive m_archive;
-    FileManager m_fileViewer;
+    FileManager m_fileViewer{sessionBusAddress()};
     GLibLoop m_loop;
     /// Stops watching the loop before the loop waits for what runs beside it.
     ReportFolder m_crashReports{m_folders.crashReports};
