@@ -7,6 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Core/Reporting/Diagnostics.h"
+
 namespace ravik::app {
 
 namespace {
@@ -45,6 +47,7 @@ StatusBarController::StatusBarController(Computer& computer, Log& log, const Hos
 StatusBarController::~StatusBarController() { terminate(); }
 
 bool StatusBarController::launch() {
+    if (!m_underTest) Diagnostics::begin(m_computer.platform().crashReports, m_log, RAVIK_VERSION);
     m_log.event("launch", {{"version", RAVIK_VERSION}});
     if (const auto variable = m_computer.environment("TOLVANE_INTERVAL")) {
         bool isNumber = false;
