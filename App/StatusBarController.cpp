@@ -7,7 +7,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include "App/Views/IconStore.h"
 #include "Core/Reporting/Diagnostics.h"
+#include "Core/Reporting/Feedback.h"
 
 namespace ravik::app {
 
@@ -30,7 +32,6 @@ StatusBarController::StatusBarController(Computer& computer, Log& log, const Hos
       m_monitor(computer.platform(), log, host, Monitor::Role::watcher),
       m_nav(log, screens),
       m_history(computer.platform().loop, computer.platform().folders.log, computer.platform().folders.historyCache),
-      m_icons([&computer](const std::string& group) { return computer.platform().workspace.iconPath(group); }),
       m_views(m_program),
       m_disk(computer.platform(), log, host.kind, m_views),
       m_actions(m_monitor, m_views),
@@ -38,13 +39,24 @@ StatusBarController::StatusBarController(Computer& computer, Log& log, const Hos
                 m_nav,
                 m_disk,
                 m_history,
-                m_icons,
                 m_views,
+                [this] { return sendFeedback(); },
                 [this] { openMain(); },
                 [] { QCoreApplication::quit(); }},
-      m_item(m_nav.screens()) {}
+      m_item(m_nav.screens()) {
+    Workspace& workspace = computer.platform().workspace;
+    IconStore::instance().setFinder([&workspace](const std::string& group) { return workspace.iconPath(group); });
+}
 
-StatusBarController::~StatusBarController() { terminate(); }
+StatusBarController::~StatusBarController() {
+    terminate();
+    IconStore::instance().setFinder({});
+}
+
+Task<std::string> StatusBarController::sendFeedback() {
+    return Feedback::build(m_computer.platform(), m_log,
+                           Feedback::about(m_monitor.host(), RAVIK_VERSION, m_computer.osRelease()));
+}
 
 bool StatusBarController::launch() {
     if (!m_underTest) Diagnostics::begin(m_computer.platform().crashReports, m_log, RAVIK_VERSION);

@@ -46,6 +46,7 @@ private:
     /// Where there is no status area, the program shows itself in its window.
     void openWithoutTray();
     std::optional<bool> isTrayDark() const;
+    Task<std::string> sendFeedback();
 
     Computer& m_computer;
     Log& m_log;
@@ -53,7 +54,6 @@ private:
     Monitor m_monitor;
     Nav m_nav;
     HistoryModel m_history;
-    AppIcons::Cache m_icons;
     QmlViews m_views;
     DiskModel m_disk;
     Actions m_actions;

@@ -17,8 +17,8 @@ Column {
     required property string spoken
     required property string heading
     required property string more
-    required property string symbol
-    required property url icon
+    required property string iconApp
+    required property string iconSymbol
 
     Label {
         visible: row.heading !== ""
@@ -46,8 +46,8 @@ Column {
 
             anchors.left: parent.left
             anchors.verticalCenter: parent.verticalCenter
-            source: row.icon
-            symbol: row.symbol
+            app: row.iconApp
+            symbol: row.iconSymbol
             size: 22
         }
 

@@ -2,14 +2,12 @@
 
 #include <functional>
 
-#include <QUrl>
-
 #include "Core/Ending/Asker.h"
 #include "Core/Screens/DiskModel.h"
 #include "Core/Screens/HistoryModel.h"
 #include "Core/Screens/Nav.h"
+#include "Core/Screens/PanelModel.h"
 #include "Core/Watch/Monitor.h"
-#include "Core/Wording/AppIcons.h"
 
 namespace ravik::app {
 
@@ -19,14 +17,11 @@ struct Program {
     Nav& nav;
     DiskModel& disk;
     HistoryModel& history;
-    AppIcons::Cache& icons;
     Asker& asker;
+    PanelModel::SendFeedback sendFeedback;
     /// Closes the panel as well.
     std::function<void()> openMain;
     std::function<void()> quit;
-
-    /// The application's icon; empty: draw the symbol.
-    QUrl icon(const IconRef& icon) const;
 };
 
 }  // namespace ravik::app

@@ -22,14 +22,14 @@ const RecordListModel<Row>::Role roles[]{
     {"spoken", [](const Row& row) { return row.row.mark ? row.row.mark->spoken() : std::string(); }},
     {"heading", &Row::heading},
     {"more", &Row::more},
-    {"symbol", [](const Row& row) { return row.row.icon.symbol; }},
-    {"icon", &Row::icon},
+    {"iconApp", [](const Row& row) { return row.row.icon.app; }},
+    {"iconSymbol", [](const Row& row) { return row.row.icon.symbol; }},
 };
 
-std::vector<Row> rowsOf(const QuestionScreen& screen, const Program& program) {
+std::vector<Row> rowsOf(const QuestionScreen& screen) {
     std::vector<Row> rows;
     for (const auto& section : screen.sections) {
-        for (const auto& row : section.rows) rows.push_back({row, {}, {}, program.icon(row.icon)});
+        for (const auto& row : section.rows) rows.push_back({row, {}, {}});
         rows[rows.size() - section.rows.size()].heading = section.heading;
         rows.back().more = section.more;
     }
@@ -54,12 +54,12 @@ QuestionKeys::Press press(const QKeyEvent& event) {
 
 }  // namespace
 
-QuestionView::QuestionView(QuestionScreen screen, const Program& program, Answer answer)
+QuestionView::QuestionView(QuestionScreen screen, Answer answer)
     : m_screen(std::move(screen)),
       m_rows(
           roles, [](const Row& row) { return row.row.name; }, this),
       m_answer(std::move(answer)) {
-    m_rows.set(rowsOf(m_screen, program));
+    m_rows.set(rowsOf(m_screen));
 }
 
 void QuestionView::watch(QWindow& window) {

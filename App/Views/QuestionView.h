@@ -4,10 +4,8 @@
 
 #include <QtQml/qqmlregistration.h>
 #include <QElapsedTimer>
-#include <QUrl>
 #include <QWindow>
 
-#include "App/Views/Program.h"
 #include "App/Views/RecordListModel.h"
 #include "App/Views/View.h"
 #include "Core/Screens/QuestionScreen.h"
@@ -35,12 +33,11 @@ public:
         QuestionScreen::Row row;
         std::string heading;
         std::string more;
-        QUrl icon;
     };
     using Answer = std::function<void(bool)>;
 
     /// `answer` is called once, with the first answer.
-    QuestionView(QuestionScreen screen, const Program& program, Answer answer);
+    QuestionView(QuestionScreen screen, Answer answer);
 
     QString title() const { return text(m_screen.title); }
     QString message() const { return text(m_screen.message); }

@@ -24,7 +24,7 @@ Task<bool> Questions::ask(const Confirmation& question) {
 
 void Questions::put(const Confirmation& question, std::function<void(bool)> resume) {
     m_resume = std::move(resume);
-    auto view = std::make_unique<QuestionView>(QuestionScreen(question, m_program.monitor.host()), m_program,
+    auto view = std::make_unique<QuestionView>(QuestionScreen(question, m_program.monitor.host()),
                                                [this](bool yes) { answer(yes); });
     auto& keys = *view;
     m_window = m_frame.open("QuestionWindow", std::move(view));

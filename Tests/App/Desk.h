@@ -34,11 +34,10 @@ protected:
     fakes::LogFolder folder{machine.clock};
     Monitor monitor{machine.platform, folder.log, machine.host, Monitor::Role::reader};
     fakes::FakeAsker asker;
-    AppIcons::Cache icons{[](const std::string&) { return std::nullopt; }};
     Nav nav{folder.log, {Destination::diagnosis}};
     DiskModel disk{machine.platform, folder.log, machine.host.kind, asker};
     HistoryModel history{machine.loop, machine.folders.log, machine.folders.historyCache};
-    const Program program{monitor, nav, disk, history, icons, asker, [] {}, [] {}};
+    const Program program{monitor, nav, disk, history, asker, {}, [] {}, [] {}};
 };
 
 }  // namespace ravik::app
