@@ -8,17 +8,11 @@ namespace ravik::endtoend {
 
 using platform::waitUntil;
 
-namespace {
-
-constexpr int smallestIcon = 22;
-constexpr int largestIcon = 64;
-
-}  // namespace
-
 void DesktopCase::SetUp() {
     EndToEnd::SetUp();
     session = std::make_unique<Session>(home);
     ASSERT_TRUE(session->started());
+    home.add("QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1");
     hands = std::make_unique<Hands>(session->server().display());
     accessibility = std::make_unique<AccessibilityBus>(session->bus());
     home.store({{"firstRunDone", true}});
@@ -58,12 +52,9 @@ void DesktopCase::startApp(const std::vector<std::string>& variables) {
 Area DesktopCase::icon() {
     Area area;
     const auto stands = [&] {
-        // Xfce's panel draws the icon itself, and grows to hold it; an embedded one is a window of the app's.
-        for (const Area& one : tray == Tray::xfce ? hands->windowsOfClass("Xfce4-panel") : hands->windows("Ravik")) {
-            area = one;
-            if (area.width <= largestIcon && area.width >= smallestIcon) return true;
-        }
-        return false;
+        const auto found = iconIn(tray, *hands);
+        if (found) area = *found;
+        return found.has_value();
     };
     EXPECT_TRUE(waitUntil(stands, 20));
     return area;

@@ -62,7 +62,6 @@ platform::OwnBus startBus(const platform::OwnXServer& server, Home& home) {
 Session::Session(Home& home) : m_server(screen), m_manager(m_server), m_daemon(startBus(m_server, home)) {
     m_bus = std::make_unique<Bus>(m_daemon.address());
     home.add(m_daemon.variable());
-    home.add("QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1");
     takeEnvironment(home.environment());
 }
 
@@ -76,6 +75,15 @@ Pid startTray(Tray tray, const Home& home) {
         return platform::startProgram({"xfce4-panel", "--disable-wm-check"});
     }
     return 0;
+}
+
+std::optional<Area> iconIn(Tray tray, Hands& hands) {
+    constexpr int smallest = 22;
+    // Xfce's panel draws the icon itself, and grows to hold it; an embedded one is a window of the app's.
+    for (const Area& one : tray == Tray::xfce ? hands.windowsOfClass("Xfce4-panel") : hands.windows("Ravik")) {
+        if (one.width >= smallest && one.width <= largestIcon) return one;
+    }
+    return {};
 }
 
 }  // namespace ravik::endtoend

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "Tests/EndToEnd/Desktop/Bus.h"
+#include "Tests/EndToEnd/Desktop/Hands.h"
 #include "Tests/EndToEnd/Support.h"
 #include "Tests/Platform/Support/Desktop.h"
 
@@ -35,5 +37,10 @@ enum class Tray { none, trayer, xfce };
 
 /// Starts one in the upper left corner: its pid.
 Pid startTray(Tray tray, const Home& home);
+
+/// Windows of the app that are no wider are its icon in a tray.
+inline constexpr int largestIcon = 64;
+/// Where the app's icon stands; absent until it does.
+std::optional<Area> iconIn(Tray tray, Hands& hands);
 
 }  // namespace ravik::endtoend
