@@ -11,14 +11,22 @@
 
 namespace ravik::bench {
 
-std::optional<double> proportionalMegabytes(Pid pid) {
+namespace {
+
+std::optional<double> rollup(Pid pid, const char* key) {
     std::ifstream file(fmt::format("/proc/{}/smaps_rollup", pid));
     for (std::string word; file >> word;) {
         double kilobytes = 0;
-        if (word == "Pss:" && file >> kilobytes) return kilobytes / 1024;
+        if (word == key && file >> kilobytes) return kilobytes / 1024;
     }
     return {};
 }
+
+}  // namespace
+
+std::optional<double> proportionalMegabytes(Pid pid) { return rollup(pid, "Pss:"); }
+
+std::optional<double> anonymousMegabytes(Pid pid) { return rollup(pid, "Anonymous:"); }
 
 std::optional<double> cpuPercent(Pid pid, double seconds) {
     const auto before = platform::cpuNanoseconds(pid);
