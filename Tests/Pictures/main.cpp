@@ -1,5 +1,5 @@
 // Pictures of the app's real windows on machines in memory: ravik-pictures FOLDER [PART OF A NAME]. Each is taken from
-// a screen by a process of its own.
+// a screen by a process of its own. ravik-pictures --stay NAME shows one on the screen that is there, until it is ended.
 #include <cstdio>
 #include <cstring>
 
@@ -19,12 +19,7 @@ namespace {
 /// Of the screen around a window, so that its edge is seen.
 constexpr int margin = 12;
 
-int takeOne(int& count, char** words, const std::string& file, const Scene& scene, const Look& look) {
-    QApplication application(count, words);
-    stage::prepareApplication();
-    take(look);
-    stage::Stage stage(scene.furnish);
-    scene.play(stage);
+int takeOne(const std::string& file) {
     QQuickWindow* window = stage::Stage::window();
     if (!window) {
         std::fprintf(stderr, "%s: no window\n", file.c_str());
@@ -36,9 +31,19 @@ int takeOne(int& count, char** words, const std::string& file, const Scene& scen
     return paletted(image).save(QString::fromStdString(file), "PNG", 100 - smallest) ? 0 : 1;
 }
 
+int show(int& count, char** words, const Scene& scene, const Look& look) {
+    QApplication application(count, words);
+    stage::prepareApplication();
+    take(look);
+    stage::Stage stage(scene.furnish);
+    scene.play(stage);
+    if (std::strcmp(words[1], "--one") == 0) return takeOne(words[3]);
+    while (true) stage.draw();
+}
+
 /// A child with that one picture to take.
 bool taken(char** words, const std::string& folder, const std::string& name) {
-    const Pid child = platform::startProgram({words[0], folder, "--one", name});
+    const Pid child = platform::startProgram({words[0], "--one", name, folder + "/" + name + ".png"});
     int status = 0;
     return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
@@ -72,12 +77,11 @@ int main(int count, char** words) {
         std::fprintf(stderr, "usage: ravik-pictures FOLDER [PART OF A NAME]\n");
         return 2;
     }
-    const std::string folder = words[1];
-    if (count < 4 || std::strcmp(words[2], "--one") != 0) return takeAll(words, folder, count > 2 ? words[2] : "");
+    const bool isOne = std::strcmp(words[1], "--one") == 0 || std::strcmp(words[1], "--stay") == 0;
+    if (!isOne) return takeAll(words, words[1], count > 2 ? words[2] : "");
     for (const Scene& scene : scenes()) {
         for (const Look& look : scene.looks) {
-            if (scene.name + look.suffix != words[3]) continue;
-            return takeOne(count, words, folder + "/" + words[3] + ".png", scene, look);
+            if (count > 2 && scene.name + look.suffix == words[2]) return show(count, words, scene, look);
         }
     }
     return 2;

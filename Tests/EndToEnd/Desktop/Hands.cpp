@@ -4,6 +4,7 @@
 #include <cstring>
 #include <memory>
 
+#include <fmt/format.h>
 #include <xcb/xtest.h>
 
 namespace ravik::endtoend {
@@ -114,6 +115,16 @@ std::vector<Hands::Window> Hands::all() {
         }
     }
     return found;
+}
+
+std::string Hands::list() {
+    std::string lines;
+    for (const Window& window : all()) {
+        if (!window.mapped) continue;
+        lines += fmt::format("{} \"{}\" {}x{} at {},{}\n", window.className, window.title, window.area.width,
+                             window.area.height, window.area.x, window.area.y);
+    }
+    return lines;
 }
 
 bool Hands::ownsTray() {
