@@ -42,7 +42,8 @@ StatusBarController::StatusBarController(Computer& computer, Log& log, const Hos
                 m_views,
                 [this] { return sendFeedback(); },
                 [this] { openMain(); },
-                [] { QCoreApplication::quit(); }},
+                [] { QCoreApplication::quit(); },
+                [this] { m_computer.releaseMemory(); }},
       m_item(m_nav.screens()) {
     Workspace& workspace = computer.platform().workspace;
     IconStore::instance().setFinder([&workspace](const std::string& group) { return workspace.iconPath(group); });
@@ -68,7 +69,9 @@ bool StatusBarController::launch() {
     }
     connectItem();
     m_observing = m_monitor.observe([this](Monitor::Change change) {
-        if (change == Monitor::Change::snapshot) render();
+        if (change != Monitor::Change::snapshot) return;
+        render();
+        settle();
     });
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
         if (state == Qt::ApplicationActive) m_monitor.checkNotifications();
@@ -107,6 +110,12 @@ void StatusBarController::readEnvironment() {
     if (m_computer.environment("TOLVANE_CLOSE_WINDOW")) {
         loop.after(openAfter, [this] { m_views.closeMain(); });
     }
+}
+
+void StatusBarController::settle() {
+    if (m_hasSettled || !m_monitor.snapshot().sampled) return;
+    m_hasSettled = true;
+    m_computer.releaseMemory();
 }
 
 void StatusBarController::render() { m_item.render(Glyph(m_monitor.snapshot(), m_monitor.host())); }

@@ -40,6 +40,8 @@ public:
 private:
     void connectItem();
     void render();
+    /// Once the first reading is there: what only the start needed is given back.
+    void settle();
     void readEnvironment();
     void answer(const std::string& action);
     void go(Destination screen, const QByteArray& token = {});
@@ -60,6 +62,7 @@ private:
     const Program m_program;
     StatusItem m_item;
     Subscription m_observing;
+    bool m_hasSettled = false;
     bool m_hasEnded = false;
 };
 

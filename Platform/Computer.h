@@ -26,6 +26,8 @@ public:
     virtual void onTermination(std::function<void()> handler) = 0;
     /// What the operating system says of itself: the text of os-release; empty if there is none.
     virtual std::string osRelease() const = 0;
+    /// Gives back memory that a window which has closed has left behind. Main loop; takes a millisecond or two.
+    virtual void releaseMemory() = 0;
 };
 
 /// What a platform needs of the core's knowledge, handed in by whoever composes the program.

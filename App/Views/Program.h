@@ -22,6 +22,8 @@ struct Program {
     /// Closes the panel as well.
     std::function<void()> openMain;
     std::function<void()> quit;
+    /// The last window has been freed.
+    std::function<void()> allClosed;
 };
 
 }  // namespace ravik::app

@@ -23,6 +23,9 @@ bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1Stri
 }  // namespace
 
 QmlViews::QmlViews(const Program& program) : m_program(program) {
+    QObject::connect(&m_frame, &QmlFrame::emptied, &m_frame, [this] {
+        if (m_program.allClosed) m_program.allClosed();
+    });
     QObject::connect(&m_questions, &Questions::asked, &m_frame, [this] {
         if (m_panel) m_panel->hide();
     });

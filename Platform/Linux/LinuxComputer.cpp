@@ -16,6 +16,7 @@
 #include "Platform/Linux/LinuxMachine.h"
 #include "Platform/Linux/LinuxProcessTable.h"
 #include "Platform/Linux/LinuxServices.h"
+#include "Platform/Linux/MemoryRelease.h"
 #include "Platform/Linux/PidfdSignals.h"
 #include "Platform/Linux/PosixTerminal.h"
 #include "Platform/Linux/ReadFile.h"
@@ -61,6 +62,7 @@ public:
     void onTermination(std::function<void()> handler) override {
         m_loop.onEndingSignal([handler = std::move(handler)](int) { handler(); });
     }
+    void releaseMemory() override { platform::releaseMemory(); }
     std::string osRelease() const override {
         return readFile("/etc/os-release").value_or(readFile("/usr/lib/os-release").value_or(""));
     }

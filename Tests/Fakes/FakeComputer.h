@@ -43,12 +43,14 @@ public:
         return hit->second;
     }
     void onTermination(std::function<void()> handler) override { terminate = std::move(handler); }
+    void releaseMemory() override { ++releases; }
     std::string osRelease() const override { return "ID=debian\nVERSION_ID=\"12\"\n"; }
 
     FakeMachine machine;
     FakeTerminal fakeTerminal;
     std::map<std::string, std::string> variables;
     std::function<void()> terminate;
+    int releases = 0;  // of memory
 };
 
 }  // namespace ravik::fakes
