@@ -14,6 +14,9 @@ Row {
     readonly property real cell: Tokens.digit(metrics.font)
 
     baselineOffset: metrics.ascent
+    // Digits stand from left to right in every script.
+    LayoutMirroring.enabled: false
+    LayoutMirroring.childrenInherit: true
     Accessible.ignored: true
 
     FontMetrics {

@@ -33,7 +33,8 @@ Item {
     Figure {
         id: figure
 
-        anchors.left: parent.left
+        // Not mirrored itself, it is put to the side where a line begins.
+        x: readout.LayoutMirroring.enabled ? readout.width - width : 0
         anchors.verticalCenter: parent.verticalCenter
         text: readout.value
         pixels: readout.pixels

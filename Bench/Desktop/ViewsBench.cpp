@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include "Bench/Desktop/Weight.h"
+#include "Tests/EndToEnd/Desktop/Hands.h"
 #include "Tests/Platform/Support/Desktop.h"
 #include "Tests/Stage/Machines.h"
 #include "Tests/Stage/Stage.h"
@@ -227,6 +228,11 @@ int measureAll(const char* program) {
     setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
     setenv("QT_QPA_PLATFORM", "xcb", 1);
     const platform::OwnWindowManager manager(server);
+    // Where there is none, the main window opens by itself.
+    endtoend::Hands hands(server.display());
+    platform::Reaper reaper;
+    reaper.add(platform::startProgram({"trayer", "--edge", "bottom", "--align", "left", "--widthtype", "request"}));
+    platform::waitUntil([&] { return hands.ownsTray(); });
 
     const Figures buttons = ask(program, "buttons");
     const Figures panel = ask(program, "panel");

@@ -27,6 +27,11 @@ void openPanel(Stage& stage) {
     stage.draw();
 }
 
+void openPanelAndScroll(Stage& stage) {
+    openPanel(stage);
+    stage.scrollDown();
+}
+
 void openPanelAtOnce(Stage& stage) {
     stage.machine().loop.holdBackground = true;
     stage.launch();
@@ -46,21 +51,20 @@ void free(Stage& stage) {
     stage.draw();
 }
 
-/// The Autopilot suggests what it has seen idle for half an hour.
-void openPanelWithSuggestions(Stage& stage) {
+/// What the Autopilot would do, or has done, with what it has seen idle for half an hour.
+void openPanelLater(Stage& stage) {
     stage.launch();
     stage.machine().workspace.focus("Visual Studio Code");
-    stage.pass(46 * 60);
+    stage.pass(33 * 60);
     stage.toggle();
     stage.draw();
-    stage.pass(4);
-    stage.draw();
+    stage.scrollDown();
 }
 
 /// It pauses what it was allowed to pause.
 void openPanelWithLiveActions(Stage& stage) {
     stage.machine().defaults.values["autopilotApproved"] = {"demote", "pause"};
-    openPanelWithSuggestions(stage);
+    openPanelLater(stage);
 }
 
 void openMain(Stage& stage, int width) {
@@ -84,9 +88,10 @@ const std::vector<Scene>& scenes() {
         {"panel-pending", stage::furnishCalm, openPanelAtOnce, {light, dark}},
         {"panel-calm", stage::furnishCalm, openPanel, {light, dark}},
         {"panel-findings", stage::furnishBusy, openPanel, {light, dark, large, mirrored}},
+        {"panel-findings-below", stage::furnishBusy, openPanelAndScroll, {light, dark, large}},
         {"panel-after", stage::furnishBusy, free, {light, dark}},
         {"panel-crowded", stage::furnishCrowded, openPanel, {light, dark}},
-        {"panel-suggestions", stage::furnishBusy, openPanelWithSuggestions, {light, dark}},
+        {"panel-suggestions", stage::furnishBusy, openPanelLater, {light, dark}},
         {"panel-live", stage::furnishBusy, openPanelWithLiveActions, {light, dark}},
         {"question", stage::furnishBusy, ask, {light, dark, large, mirrored}},
         {"window-diagnosis", stage::furnishBusy, mainAt(960), {light, dark, large, mirrored}},

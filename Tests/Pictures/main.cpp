@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 #include <sys/wait.h>
 
+#include "Tests/EndToEnd/Desktop/Hands.h"
 #include "Tests/Pictures/Palette.h"
 #include "Tests/Pictures/Scenes.h"
 #include "Tests/Platform/Support/Desktop.h"
@@ -17,7 +18,7 @@ namespace ravik::pictures {
 namespace {
 
 /// Of the screen around a window, so that its edge is seen.
-constexpr int margin = 12;
+constexpr int margin = 8;
 
 int takeOne(const std::string& file) {
     QQuickWindow* window = stage::Stage::window();
@@ -55,6 +56,12 @@ int takeAll(char** words, const std::string& folder, const std::string& part) {
     setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
     setenv("QT_QPA_PLATFORM", "xcb", 1);
     const platform::OwnWindowManager manager(server);
+    endtoend::Hands hands(server.display());
+    hands.paintScreen(0x9a9da3);
+    // Where there is none, the main window opens by itself.
+    platform::Reaper reaper;
+    reaper.add(platform::startProgram({"trayer", "--edge", "bottom", "--align", "left", "--widthtype", "request"}));
+    platform::waitUntil([&] { return hands.ownsTray(); });
     int failed = 0;
     for (const Scene& scene : scenes()) {
         for (const Look& look : scene.looks) {

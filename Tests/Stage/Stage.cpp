@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QKeyEvent>
+#include <QWheelEvent>
 
 namespace ravik::stage {
 
@@ -47,6 +48,17 @@ void Stage::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     QCoreApplication::sendEvent(to, &down);
     QKeyEvent up(QEvent::KeyRelease, key, modifiers);
     QCoreApplication::sendEvent(to, &up);
+    draw();
+}
+
+void Stage::scrollDown() {
+    QQuickWindow* over = window();
+    if (!over) return;
+    const QPointF middle(over->width() / 2.0, over->height() / 2.0);
+    constexpr QPoint farDown(0, -120 * 100);
+    QWheelEvent wheel(middle, over->mapToGlobal(middle), {}, farDown, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(over, &wheel);
     draw();
 }
 

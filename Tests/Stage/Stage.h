@@ -32,6 +32,8 @@ public:
     void openMain() { m_controller->openMain(); }
     /// A key, to the window that was opened last.
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    /// Turns the wheel until the window's middle shows its end.
+    void scrollDown();
     /// The window that was opened last and is to be seen; null if there is none.
     static QQuickWindow* window();
 

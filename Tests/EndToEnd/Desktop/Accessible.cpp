@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* accessibleInterface = "org.a11y.atspi.Accessible";
 // Bits of the state set, as the protocol numbers them.
-constexpr int checkedBit = 4, enabledBit = 8, focusableBit = 11, focusedBit = 12, showingBit = 25;
+constexpr int checkedBit = 4, enabledBit = 8, focusableBit = 11, focusedBit = 12, visibleBit = 30;
 
 std::string addressOf(const Bus& session) {
     GVariant* reply = session.call("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress");
@@ -126,7 +126,7 @@ Accessible AccessibilityBus::read(const Place& place) const {
         one.enabled = has(enabledBit);
         one.focusable = has(focusableBit);
         one.focused = has(focusedBit);
-        one.showing = has(showingBit);
+        one.visible = has(visibleBit);
         g_variant_unref(words);
         g_variant_unref(reply);
     }
@@ -136,7 +136,10 @@ Accessible AccessibilityBus::read(const Place& place) const {
         g_variant_get(reply, "((iiii))", &one.area.x, &one.area.y, &one.area.width, &one.area.height);
         g_variant_unref(reply);
     }
-    for (const Place& child : children(place)) one.children.push_back(read(child));
+    for (const Place& below : children(place)) {
+        Accessible child = read(below);
+        if (child.visible) one.children.push_back(std::move(child));
+    }
     return one;
 }
 

@@ -12,7 +12,7 @@
 
 namespace ravik::endtoend {
 
-/// One thing of a window as those hear it who do not see it, read at one moment.
+/// One thing of a window as those hear it who do not see it, read at one moment. What is hidden is left out.
 struct Accessible {
     /// In the words of the accessibility bus: "push button", "label", "frame".
     std::string role;
@@ -22,7 +22,7 @@ struct Accessible {
     bool enabled = false;
     bool focusable = false;
     bool focused = false;
-    bool showing = false;
+    bool visible = false;
     bool checked = false;
     std::vector<Accessible> children;
 

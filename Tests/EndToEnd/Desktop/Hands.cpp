@@ -117,6 +117,12 @@ std::vector<Hands::Window> Hands::all() {
     return found;
 }
 
+void Hands::paintScreen(std::uint32_t colour) {
+    xcb_change_window_attributes(m_connection, m_root, XCB_CW_BACK_PIXEL, &colour);
+    xcb_clear_area(m_connection, 0, m_root, 0, 0, 0, 0);
+    settle();
+}
+
 std::string Hands::list() {
     std::string lines;
     for (const Window& window : all()) {

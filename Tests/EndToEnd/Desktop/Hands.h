@@ -37,6 +37,8 @@ public:
     std::vector<Area> windowsOfClass(const std::string& name);
     /// True while somebody shows the icons of the screen's status area in the old way, embedded.
     bool ownsTray();
+    /// Gives what is behind all windows one colour, 0xRRGGBB.
+    void paintScreen(std::uint32_t colour);
     /// Every mapped window in words, for the message of a test that failed.
     std::string list();
 
