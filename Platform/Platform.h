@@ -22,6 +22,10 @@
 /// its own, and Tests/Fakes answers them for a whole machine in memory.
 namespace ravik {
 
+class Appearance;
+class DesktopApp;
+class LoginItem;
+
 /// One process as the platform reads it, before any arithmetic.
 struct ProcessReading {
     Pid id = 0;
@@ -211,6 +215,8 @@ public:
     virtual void queryDenied(std::function<void(bool)> answer) = 0;
     /// Calls back with the identifier of the button pressed, "default" for the body.
     virtual void onAction(std::function<void(const std::string&)> observer) = 0;
+    /// Within that call: the desktop's leave for the program to come to the front; empty if it gave none.
+    virtual std::string activationToken() const { return {}; }
 };
 
 /// Per-user settings that survive restarts: a flat map from key to JSON value. Main loop.
@@ -341,6 +347,8 @@ public:
     };
     /// Absent once this process is the watcher. A lock whose owner has died is free.
     virtual std::optional<Refusal> acquire() = 0;
+    /// The same without a wait for the watcher's name. True once this process is the watcher.
+    virtual bool tryAcquire() { return !acquire(); }
     virtual void release() = 0;
 };
 
@@ -361,6 +369,9 @@ struct Platform {
     Archive& archive;
     CrashReports& crashReports;
     FileViewer& fileViewer;
+    DesktopApp& desktopApp;
+    Appearance& appearance;
+    LoginItem& loginItem;
     Folders folders;
 };
 

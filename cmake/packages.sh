@@ -39,6 +39,7 @@ libbenchmark-dev           google-benchmark-devel benchmark      google-benchmar
 libxcb-xtest0-dev          -                      -              -
 at-spi2-core               at-spi2-core           at-spi2-core   -
 trayer                     trayer                 trayer         -
+dunst                      dunst                  dunst          -
 xfce4-panel                xfce4-panel            xfce4-panel    -
 xvfb                       xorg-x11-server-Xvfb   xorg-server-xvfb -
 dbus                       dbus-daemon            dbus           -

@@ -34,4 +34,8 @@ std::optional<Destination> parseDestination(std::string_view text) {
     return std::nullopt;
 }
 
+std::optional<Destination> requestedDestination(std::string_view action, std::string_view parameter) {
+    return parseDestination(action == "open" ? parameter : action);
+}
+
 }  // namespace ravik

@@ -1,6 +1,7 @@
 #include "Platform/Linux/DesktopNotifier.h"
 
 #include <cstring>
+#include <utility>
 
 #include <gio/gio.h>
 
@@ -29,26 +30,38 @@ void call(GDBusConnection* bus, const char* method, GVariant* parameters, const 
 
 }  // namespace
 
-DesktopNotifier::DesktopNotifier() : m_self(std::make_shared<DesktopNotifier*>(this)) {}
+DesktopNotifier::DesktopNotifier(std::string bus, NotificationSwitch isOff)
+    : m_address(std::move(bus)), m_isOff(std::move(isOff)), m_self(std::make_shared<DesktopNotifier*>(this)) {}
 
 DesktopNotifier::~DesktopNotifier() {
     *m_self = nullptr;
-    if (!m_bus) return;
-    g_dbus_connection_signal_unsubscribe(m_bus, m_subscription);
-    g_object_unref(m_bus);
+    disconnect();
 }
 
 bool DesktopNotifier::connect() {
     if (m_bus && !g_dbus_connection_is_closed(m_bus)) return true;
-    g_clear_object(&m_bus);
-    // Without an address the library would start a bus of its own.
-    if (!g_getenv("DBUS_SESSION_BUS_ADDRESS")) return false;
-    m_bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+    disconnect();
+    if (m_address.empty()) return false;
+    const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                         G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+    m_bus = g_dbus_connection_new_for_address_sync(m_address.c_str(), flags, nullptr, nullptr, nullptr);
     if (!m_bus) return false;
     g_dbus_connection_set_exit_on_close(m_bus, FALSE);
     m_subscription = g_dbus_connection_signal_subscribe(m_bus, service, service, nullptr, servicePath, nullptr,
                                                         G_DBUS_SIGNAL_FLAGS_NONE, onSignal, this, nullptr);
+    m_owner = g_dbus_connection_signal_subscribe(m_bus, "org.freedesktop.DBus", "org.freedesktop.DBus",
+                                                 "NameOwnerChanged", "/org/freedesktop/DBus", service,
+                                                 G_DBUS_SIGNAL_FLAGS_NONE, onOwner, this, nullptr);
     return true;
+}
+
+void DesktopNotifier::disconnect() {
+    m_shown = 0;
+    if (!m_bus) return;
+    g_dbus_connection_signal_unsubscribe(m_bus, m_subscription);
+    g_dbus_connection_signal_unsubscribe(m_bus, m_owner);
+    g_dbus_connection_close_sync(m_bus, nullptr, nullptr);
+    g_clear_object(&m_bus);
 }
 
 std::string DesktopNotifier::escaped(std::string_view text) {
@@ -59,9 +72,18 @@ std::string DesktopNotifier::escaped(std::string_view text) {
 }
 
 void DesktopNotifier::post(const Notification& notification) {
+    if (m_sending) {
+        m_waiting = notification;
+        return;
+    }
     if (!connect()) return;
+    m_sending = true;
     call(m_bus, "GetCapabilities", nullptr, "(as)", [self = m_self, notification](GVariant* reply) {
-        if (!*self || !reply) return;
+        if (!*self) return;
+        if (!reply) {
+            (*self)->sent(0);
+            return;
+        }
         Capabilities capabilities;
         GVariantIter* names = nullptr;
         g_variant_get(reply, "(as)", &names);
@@ -92,8 +114,16 @@ void DesktopNotifier::send(const Notification& notification, Capabilities capabi
     GVariant* parameters = g_variant_new("(susssasa{sv}i)", applicationName, m_shown, desktopEntry,
                                          notification.title.c_str(), body.c_str(), &actions, &hints, -1);
     call(m_bus, "Notify", parameters, "(u)", [self = m_self](GVariant* reply) {
-        if (*self && reply) g_variant_get(reply, "(u)", &(*self)->m_shown);
+        std::uint32_t id = 0;
+        if (reply) g_variant_get(reply, "(u)", &id);
+        if (*self) (*self)->sent(id);
     });
+}
+
+void DesktopNotifier::sent(std::uint32_t id) {
+    m_sending = false;
+    m_shown = id;
+    if (const auto next = std::exchange(m_waiting, {})) post(*next);
 }
 
 void DesktopNotifier::queryDenied(std::function<void(bool)> answer) {
@@ -101,25 +131,41 @@ void DesktopNotifier::queryDenied(std::function<void(bool)> answer) {
         answer(true);
         return;
     }
-    call(m_bus, "GetServerInformation", nullptr, "(ssss)",
-         [answer = std::move(answer)](GVariant* reply) { answer(reply == nullptr); });
+    call(m_bus, "GetServerInformation", nullptr, "(ssss)", [answer = std::move(answer), isOff = m_isOff](GVariant* reply) {
+        answer(!reply || (isOff && isOff()));
+    });
 }
 
 void DesktopNotifier::onSignal(GDBusConnection*, const char*, const char*, const char*, const char* signal,
                                GVariant* parameters, void* data) {
-    auto* self = static_cast<DesktopNotifier*>(data);
-    if (std::strcmp(signal, "ActionInvoked") == 0 && g_variant_is_of_type(parameters, G_VARIANT_TYPE("(us)"))) {
-        std::uint32_t id = 0;
-        const char* action = nullptr;
-        g_variant_get(parameters, "(u&s)", &id, &action);
-        if (id == self->m_shown && self->m_shown != 0 && self->m_observer) self->m_observer(action);
-    } else if (std::strcmp(signal, "NotificationClosed") == 0 &&
-               g_variant_is_of_type(parameters, G_VARIANT_TYPE("(uu)"))) {
-        std::uint32_t id = 0;
-        std::uint32_t reason = 0;
-        g_variant_get(parameters, "(uu)", &id, &reason);
-        if (id == self->m_shown) self->m_shown = 0;
+    static_cast<DesktopNotifier*>(data)->hear(signal, parameters);
+}
+
+void DesktopNotifier::hear(std::string_view signal, GVariant* parameters) {
+    std::uint32_t id = 0;
+    if (g_variant_n_children(parameters) == 2) {
+        GVariant* first = g_variant_get_child_value(parameters, 0);
+        if (g_variant_is_of_type(first, G_VARIANT_TYPE_UINT32)) id = g_variant_get_uint32(first);
+        g_variant_unref(first);
     }
+    if (id == 0 || id != m_shown) return;
+    const char* text = nullptr;
+    if (g_variant_is_of_type(parameters, G_VARIANT_TYPE("(us)"))) g_variant_get_child(parameters, 1, "&s", &text);
+    if (signal == "ActivationToken" && text) m_token = text;
+    if (signal == "NotificationClosed") {
+        m_shown = 0;
+        m_token.clear();
+    }
+    if (signal == "ActionInvoked" && text) {
+        if (const auto observer = m_observer) observer(text);
+        m_token.clear();
+    }
+}
+
+void DesktopNotifier::onOwner(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
+                              void* data) {
+    // With another service the number may be another program's notification.
+    static_cast<DesktopNotifier*>(data)->m_shown = 0;
 }
 
 }  // namespace ravik::platform

@@ -5,13 +5,17 @@
 #include "Platform/Computer.h"
 #include "Platform/Linux/AppMemory.h"
 #include "Platform/Linux/AppNames.h"
+#include "Platform/Linux/AutostartEntry.h"
 #include "Platform/Linux/Clock.h"
+#include "Platform/Linux/DesktopAppearance.h"
 #include "Platform/Linux/DesktopNotifier.h"
 #include "Platform/Linux/DesktopWorkspace.h"
+#include "Platform/Linux/DetachedProgram.h"
 #include "Platform/Linux/FileManager.h"
 #include "Platform/Linux/FileTrash.h"
 #include "Platform/Linux/Folders.h"
 #include "Platform/Linux/GLibLoop.h"
+#include "Platform/Linux/LinuxDesktopApp.h"
 #include "Platform/Linux/LinuxLevers.h"
 #include "Platform/Linux/LinuxMachine.h"
 #include "Platform/Linux/LinuxProcessTable.h"
@@ -42,12 +46,17 @@ public:
           m_processes(m_table),
           m_services(serviceOptions()),
           m_workspace(makeWorkspace(workspaceOptions())),
+          m_notifier(sessionBusAddress(), notificationSwitch(environment("XDG_CURRENT_DESKTOP").value_or(""),
+                                                             configFolders(variables(), m_folders.home).front())),
           m_settings(m_folders.settings),
           m_watchLock(m_folders.runtime, std::move(name), geteuid()),
+          m_desktopApp(desktopAppOptions()),
+          m_appearance(appearanceOptions()),
+          m_loginItem(configFolders(variables(), m_folders.home), [this] { return desktopProgram(); }),
           m_levers(m_signals, leverOptions()),
-          m_platform{m_processes, m_machine,   m_signals, m_levers,       m_services,   *m_workspace, m_notifier, m_settings,
-                     m_trash,     m_loop,      m_clock,   m_watchLock,    m_archive,    m_crashReports, m_fileViewer,
-                     m_folders} {}
+          m_platform{m_processes, m_machine,    m_signals,      m_levers,     m_services,   *m_workspace, m_notifier,
+                     m_settings,  m_trash,      m_loop,         m_clock,      m_watchLock,  m_archive,    m_crashReports,
+                     m_fileViewer, m_desktopApp, m_appearance,  m_loginItem,  m_folders} {}
 
     Platform& platform() override { return m_platform; }
     Terminal& terminal() override { return m_terminal; }
@@ -75,6 +84,37 @@ private:
         options.isToolHelper = m_rules.isToolHelper;
         options.applications = &m_apps;
         return options;
+    }
+
+    DesktopAppOptions desktopAppOptions() const {
+        DesktopAppOptions options;
+        options.bus = sessionBusAddress();
+        options.runtime = m_folders.runtime;
+        options.home = m_folders.home;
+        options.programs = ownPrograms();
+        options.uid = geteuid();
+        options.variable = variables();
+        return options;
+    }
+
+    AppearanceOptions appearanceOptions() const {
+        AppearanceOptions options;
+        options.bus = sessionBusAddress();
+        if (!environment("WAYLAND_DISPLAY")) options.display = environment("DISPLAY").value_or("");
+        return options;
+    }
+
+    std::function<std::string(const char*)> variables() const {
+        return [this](const char* name) { return environment(name).value_or(""); };
+    }
+
+    static std::filesystem::path ownPrograms() {
+        std::error_code error;
+        return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+    }
+
+    std::optional<std::filesystem::path> desktopProgram() const {
+        return findProgram(desktopProgramName, ownPrograms(), environment("PATH").value_or(""));
     }
 
     LeverOptions leverOptions() const {
@@ -113,6 +153,9 @@ private:
     FileTrash m_trash;
     PosixTerminal m_terminal;
     WatcherLock m_watchLock;
+    LinuxDesktopApp m_desktopApp;
+    DesktopAppearance m_appearance;
+    AutostartEntry m_loginItem;
     LinuxLevers m_levers;
     ZipArchive m_archive;
     FileManager m_fileViewer{sessionBusAddress()};

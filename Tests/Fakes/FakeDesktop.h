@@ -6,6 +6,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Platform/Appearance.h"
+#include "Platform/DesktopApp.h"
+#include "Platform/LoginItem.h"
 #include "Tests/Fakes/FakeProcesses.h"
 
 namespace ravik::fakes {
@@ -81,6 +84,35 @@ private:
     std::function<void(const std::string&)> m_observer;
 };
 
+class FakeAppearance : public Appearance {
+public:
+    Look look() override { return current; }
+    void onChange(std::function<void(const Look&)> observer) override { m_observer = std::move(observer); }
+
+    /// As a user would.
+    void change(const Look& wanted) {
+        current = wanted;
+        if (m_observer) m_observer(wanted);
+    }
+
+    Look current;
+
+private:
+    std::function<void(const Look&)> m_observer;
+};
+
+class FakeLoginItem : public LoginItem {
+public:
+    bool isEnabled() override { return enabled; }
+    std::optional<std::string> setEnabled(bool wanted) override {
+        if (!refusal) enabled = wanted;
+        return refusal;
+    }
+
+    bool enabled = false;
+    std::optional<std::string> refusal;
+};
+
 class FakeNotifier : public Notifier {
 public:
     void post(const Notification& notification) override { posted.push_back(notification); }
@@ -88,7 +120,10 @@ public:
     void onAction(std::function<void(const std::string&)> observer) override { press = std::move(observer); }
 
     std::vector<Notification> posted;
+    std::string activationToken() const override { return token; }
+
     std::function<void(const std::string&)> press;
+    std::string token;
     bool denied = false;
 };
 
@@ -145,6 +180,31 @@ public:
     void reveal(const std::filesystem::path& file) override { revealed.push_back(file); }
 
     std::vector<std::filesystem::path> revealed;
+};
+
+/// Nobody else is the app, unless `other` says so.
+class FakeDesktopApp : public DesktopApp {
+public:
+    std::optional<Other> claim(const Activation& asked) override {
+        if (other) opened.push_back(asked);
+        claimed = !other;
+        return other;
+    }
+    void onActivation(std::function<void(const Activation&)> observer) override { ask = std::move(observer); }
+    void release() override { claimed = false; }
+    std::optional<std::string> open(const Activation& asked) override {
+        if (!refusal) opened.push_back(asked);
+        return refusal;
+    }
+
+    std::optional<Other> other;
+    /// Why the app cannot be opened.
+    std::optional<std::string> refusal;
+    /// What the other app was asked.
+    std::vector<Activation> opened;
+    /// Asks this app, as another start of it would.
+    std::function<void(const Activation&)> ask;
+    bool claimed = false;
 };
 
 class FakeWatchLock : public WatchLock {

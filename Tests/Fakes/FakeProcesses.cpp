@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace ravik::fakes {
 
@@ -198,7 +199,7 @@ void FakeProcesses::restore(const Pids& pids) {
     }
 }
 
-std::vector<Levers::Leftover> FakeProcesses::releaseLeftovers() { return {}; }
+std::vector<Levers::Leftover> FakeProcesses::releaseLeftovers() { return std::exchange(leftovers, {}); }
 
 void FakeProcesses::step() const {
     if (onStep) onStep();

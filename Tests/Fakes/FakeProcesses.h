@@ -88,6 +88,8 @@ public:
     std::vector<SentSignal> sent;
     double nanosecondsPerTick = 1.0;
     bool canDemote = true;
+    /// What an earlier run left in force.
+    std::vector<Leftover> leftovers;
     /// Living processes that cannot be read anew.
     PidSet unreadable;
 

@@ -72,8 +72,9 @@ TEST_F(FocusRelease, APausedTerminalIsResumedAtOnce) {
     LinuxLevers levers(signals, options);
     Platform platform{machine.processes, machine.readings,  signals,          levers,        machine.services,
                       *workspace,        machine.notifier,  machine.defaults, machine.trash, machine.loop,
-                      machine.clock,     machine.watchLock, machine.archive,
-                      machine.crashReports, machine.fileViewer, machine.folders};
+                      machine.clock,     machine.watchLock, machine.archive, machine.crashReports,
+                      machine.fileViewer, machine.desktopApp, machine.appearance, machine.loginItem,
+                      machine.folders};
     fakes::LogFolder log{machine.clock};
     Monitor monitor(platform, log.log, machine.host, Monitor::Role::watcher);
     monitor.watchFocus();

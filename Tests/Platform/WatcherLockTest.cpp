@@ -201,11 +201,11 @@ TEST_F(WatcherLocks, OfTwoAtOnceExactlyOneWatches) {
     }
 }
 
-TEST(Watcher, IsReadFromAWholeFileOnly) {
-    EXPECT_EQ(parseWatcher("812\nravik watch\n"), (Watcher{812, "ravik watch"}));
-    EXPECT_EQ(parseWatcher("812\n"), (Watcher{812, ""}));
+TEST(LockHolder, IsReadFromAWholeFileOnly) {
+    EXPECT_EQ(parseLockHolder("812\nravik watch\n"), (LockHolder{812, "ravik watch"}));
+    EXPECT_EQ(parseLockHolder("812\n"), (LockHolder{812, ""}));
     for (const char* text : {"", "812", "\n", "0\nx\n", "-4\nx\n", "8 12\nx\n", "99999999999\nx\n", "x\n812\n"}) {
-        EXPECT_EQ(parseWatcher(text), Watcher{}) << text;
+        EXPECT_EQ(parseLockHolder(text), LockHolder{}) << text;
     }
 }
 

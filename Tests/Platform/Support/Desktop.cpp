@@ -1,5 +1,7 @@
 #include "Tests/Platform/Support/Desktop.h"
 
+#include <csignal>
+
 #include <fcntl.h>
 #include <glib.h>
 #include <poll.h>
@@ -44,7 +46,7 @@ OwnWindowManager::OwnWindowManager(const OwnXServer& server) {
     m_started = m_pid > 0 && waitUntil([&] { return std::filesystem::exists(ready); });
 }
 
-OwnBus::OwnBus(const std::vector<std::string>& services) {
+OwnBus::OwnBus(const std::vector<std::string>& services, const std::string& address) {
     const std::filesystem::path offered = m_folder.path() / "services";
     std::filesystem::create_directory(offered);
     for (const std::string& service : services) {
@@ -52,12 +54,18 @@ OwnBus::OwnBus(const std::vector<std::string>& services) {
         std::error_code error;
         std::filesystem::copy_file("/usr/share/dbus-1/services/" + file, offered / file, error);
     }
-    m_folder.write("session.conf", "<busconfig><type>session</type><listen>unix:dir=" + m_folder.path().native() +
+    const std::string listen = address.empty() ? "unix:dir=" + m_folder.path().native() : address;
+    m_folder.write("session.conf", "<busconfig><type>session</type><listen>" + listen +
                                        "</listen><servicedir>" + offered.native() + "</servicedir><auth>EXTERNAL</auth><policy context=\"default\">"
                                        "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
                                        "<allow own=\"*\"/></policy></busconfig>");
     m_address = start({"dbus-daemon", "--config-file=" + (m_folder.path() / "session.conf").native(), "--nofork",
                        "--nopidfile", "--print-address={fd}"});
+}
+
+void OwnBus::offer(const std::string& name, const std::string& exec) const {
+    m_folder.write("services/" + name + ".service", "[D-BUS Service]\nName=" + name + "\nExec=" + exec + "\n");
+    kill(pid(), SIGHUP);
 }
 
 bool turnUntil(const std::function<bool()>& done, double seconds) {

@@ -60,8 +60,11 @@ private:
 /// A message bus for session services, in a folder of its own.
 class OwnBus : public OwnServer {
 public:
-    /// It starts those services that are named here when they are asked for, as the system describes them.
-    explicit OwnBus(const std::vector<std::string>& services = {});
+    /// It starts those services that are named here when they are asked for, as the system describes them. `address`
+    /// is one of the test's choice, at which the bus can come back.
+    explicit OwnBus(const std::vector<std::string>& services = {}, const std::string& address = "");
+    /// Soon it starts that as well.
+    void offer(const std::string& name, const std::string& exec) const;
     /// Empty if it did not start.
     const std::string& address() const { return m_address; }
     std::string variable() const { return "DBUS_SESSION_BUS_ADDRESS=" + m_address; }
