@@ -137,7 +137,7 @@ Task<EndResult> Monitor::apply(Finding finding, bool cautionConfirmed, std::shar
     addOutcome(line, result);
     if (finding.quits()) line["quit"] = std::holds_alternative<Ended>(result);
     m_log.event("remedy", line);
-    if (m_role == Role::watcher) refresh();
+    if (ticks()) refresh();
     co_return result;
 }
 
@@ -158,7 +158,7 @@ EndResult Monitor::kill(Pid pid, bool cautionConfirmed, std::shared_ptr<const Sn
         {"children", index.descendants(pid).size()},
     };
     addOutcome(line, result);
-    if (std::holds_alternative<Ended>(result) && m_role == Role::watcher) refresh();
+    if (std::holds_alternative<Ended>(result) && ticks()) refresh();
     m_log.event("kill", line);
     return result;
 }

@@ -49,6 +49,19 @@ void Monitor::start() {
     m_timer = m_platform.loop.every(m_interval, [this] { refresh(); });
 }
 
+void Monitor::takeOverWhenFree() { m_takesOver = m_role == Role::reader; }
+
+void Monitor::becomeWatcher() {
+    m_takesOver = false;
+    m_role = Role::watcher;
+    m_reading.reset();
+    m_skipped = 0;
+    // What was used while somebody else watched has not been seen.
+    m_engineHistory.observedSince = m_platform.clock.now();
+    watchFocus();
+    publish(Change::role);
+}
+
 void Monitor::stop() {
     if (m_timer) m_platform.loop.cancel(m_timer);
     m_timer = 0;
@@ -60,6 +73,7 @@ void Monitor::refresh() {
         return;
     }
     m_inFlight = true;
+    if (m_takesOver && m_platform.watchLock.tryAcquire()) becomeWatcher();
     if (m_platform.defaults.changed()) {
         loadThresholds();
         loadLastFix();

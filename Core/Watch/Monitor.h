@@ -43,7 +43,9 @@ public:
     /// A watcher writes the tick's lines, alerts, and runs the Autopilot. A reader shows and acts on readings of its
     /// own and logs only its own deeds.
     enum class Role { watcher, reader };
-    enum class Change { snapshot, history, thresholds, interval, shadow, live, suggestions, lastFix, notifications };
+    enum class Change {
+        snapshot, history, thresholds, interval, shadow, live, suggestions, lastFix, notifications, role
+    };
 
     Monitor(Platform& platform, Log& log, Host host, Role role);
     ~Monitor();
@@ -52,6 +54,9 @@ public:
 
     /// One tick at once, then one every interval().
     void start();
+    /// A reader's: from now on each tick begins with a try to become the watcher, which succeeds once the lock is free.
+    void takeOverWhenFree();
+    Role role() const { return m_role; }
     /// Stops the timer; a tick under way still ends.
     void stop();
     /// One tick, or a counted skip if one is still running.
@@ -152,7 +157,9 @@ private:
     void loadThresholds();
     void loadLastFix();
     void publish(Change change);
-    void schedule();
+    void becomeWatcher();
+    /// A command that took one reading for itself does not.
+    bool ticks() const { return m_role == Role::watcher || m_timer != 0; }
 
     Platform& m_platform;
     Log& m_log;
@@ -172,6 +179,7 @@ private:
     Time m_lastNotified = distantPast;
     std::unordered_set<std::string> m_seenFindings;
     bool m_inFlight = false;
+    bool m_takesOver = false;
     std::uint64_t m_skipped = 0;
     Engine m_engine;
     Engine::History m_engineHistory;
