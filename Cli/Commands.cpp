@@ -7,6 +7,7 @@
 #include "Cli/HistoryCommands.h"
 #include "Cli/KeepCommand.h"
 #include "Cli/LogCommand.h"
+#include "Cli/OpenCommand.h"
 #include "Cli/ReadingCommands.h"
 #include "Cli/SettingsCommand.h"
 #include "Cli/WatchCommand.h"
@@ -101,6 +102,10 @@ const std::vector<Command>& commands() {
          "A captured reading through the whole diagnosis again, as JSON",
          {{"FILE", "the capture; - is standard input", {}, true}},
          runReplay},
+        {"open",
+         "Bring up the desktop app, on a screen of its window",
+         {{"DESTINATION", "diagnosis, sessions, processes, disk, history or autopilot"}},
+         runOpen},
         {"version", "The version", {}, runVersion},
         {"help",
          "What the commands do",
