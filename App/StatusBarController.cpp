@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "App/Views/IconStore.h"
+#include "App/Views/Tokens.h"
 #include "Core/Reporting/Diagnostics.h"
 #include "Core/Reporting/Feedback.h"
 
@@ -29,7 +30,7 @@ StatusBarController::StatusBarController(Computer& computer, Log& log, const Hos
     : m_computer(computer),
       m_log(log),
       m_underTest(computer.environment("XCTestConfigurationFilePath").has_value()),
-      m_monitor(computer.platform(), log, host, Monitor::Role::watcher),
+      m_monitor(computer.platform(), log, host, Monitor::Role::reader),
       m_nav(log, screens),
       m_history(computer.platform().loop, computer.platform().folders.log, computer.platform().folders.historyCache),
       m_views(m_program),
@@ -60,7 +61,15 @@ Task<std::string> StatusBarController::sendFeedback() {
 }
 
 bool StatusBarController::launch() {
-    if (!m_underTest) Diagnostics::begin(m_computer.platform().crashReports, m_log, RAVIK_VERSION);
+    Platform& platform = m_computer.platform();
+    if (!m_underTest) {
+        platform.desktopApp.onActivation([this](const Activation& asked) { activate(asked); });
+        if (const auto other = platform.desktopApp.claim({})) {
+            m_log.event("secondInstance", {{"kept", other->pid}});
+            return false;
+        }
+        Diagnostics::begin(platform.crashReports, m_log, RAVIK_VERSION);
+    }
     m_log.event("launch", {{"version", RAVIK_VERSION}});
     if (const auto variable = m_computer.environment("TOLVANE_INTERVAL")) {
         bool isNumber = false;
@@ -78,10 +87,11 @@ bool StatusBarController::launch() {
     });
     connect(qGuiApp, &QGuiApplication::commitDataRequest, this, [this] { m_monitor.releaseAllLive(); });
     connect(qGuiApp, &QGuiApplication::aboutToQuit, this, &StatusBarController::terminate);
-    m_computer.platform().notifier.onAction([this](const std::string& action) { answer(action); });
+    platform.notifier.onAction([this](const std::string& action) { answer(action); });
     m_monitor.checkNotifications();
+    // The watcher at once where nobody else watches, and as soon as who does has ended.
+    m_monitor.takeOverWhenFree();
     m_monitor.start();
-    m_monitor.watchFocus();
     readEnvironment();
     return true;
 }
@@ -91,8 +101,11 @@ void StatusBarController::connectItem() {
     connect(&m_item, &StatusItem::openChosen, this, [this] { openMain(); });
     connect(&m_item, &StatusItem::screenChosen, this, [this](Destination screen) { go(screen); });
     connect(&m_item, &StatusItem::quitChosen, this, [] { QCoreApplication::quit(); });
-    m_item.setDark(isTrayDark());
+    Appearance& appearance = m_computer.platform().appearance;
+    appearance.onChange([this](const Look& look) { wear(look); });
+    wear(appearance.look());
     render();
+    m_views.onMainClosed([this] { mainClosed(); });
     if (!StatusItem::isAvailable()) {
         m_computer.platform().loop.after(trayComesWithin, [this] { openWithoutTray(); });
     }
@@ -140,15 +153,38 @@ void StatusBarController::go(Destination screen, const QByteArray& token) {
     openMain(token);
 }
 
+void StatusBarController::mainClosed() {
+    if (m_hasToldUnseen || StatusItem::isAvailable()) return;
+    m_hasToldUnseen = true;
+    m_views.tellUnseen();
+}
+
 void StatusBarController::openWithoutTray() {
     if (!m_hasEnded && !StatusItem::isAvailable()) openMain();
 }
 
-std::optional<bool> StatusBarController::isTrayDark() const {
+void StatusBarController::wear(const Look& look) {
+    Tokens& tokens = Tokens::instance();
+    std::optional<bool> dark;
+    if (look.scheme) dark = look.scheme == ColorScheme::dark;
+    tokens.setDark(dark);
+    tokens.setHighContrast(look.highContrast.value_or(false));
+    tokens.setReducedMotion(look.reducedMotion.value_or(false));
+    tokens.setTextScale(look.textScale.value_or(1));
     // GNOME's bar is dark whatever the scheme of its windows.
     const auto desktop = m_computer.environment("XDG_CURRENT_DESKTOP").value_or("");
-    if (desktop.find("GNOME") != desktop.npos || desktop.find("Unity") != desktop.npos) return true;
-    return {};
+    const bool isGnome = desktop.find("GNOME") != desktop.npos || desktop.find("Unity") != desktop.npos;
+    m_item.setDark(isGnome ? true : dark);
+}
+
+void StatusBarController::activate(const Activation& asked) {
+    const auto screen = parseDestination(asked.action == "open" ? asked.parameter : asked.action);
+    const QByteArray token = QByteArray::fromStdString(asked.token);
+    if (screen) {
+        go(*screen, token);
+    } else {
+        openMain(token);
+    }
 }
 
 void StatusBarController::answer(const std::string& action) {
@@ -157,7 +193,7 @@ void StatusBarController::answer(const std::string& action) {
         spawn(m_actions.freeAll({}), [](const std::optional<std::string>&) {});
         return;
     }
-    go(Destination::diagnosis);
+    go(Destination::diagnosis, QByteArray::fromStdString(m_computer.platform().notifier.activationToken()));
 }
 
 void StatusBarController::terminate() {
@@ -167,8 +203,12 @@ void StatusBarController::terminate() {
     m_views.end();
     m_monitor.stop();
     m_monitor.releaseAllLive();
-    m_computer.platform().notifier.onAction({});
-    m_computer.platform().watchLock.release();
+    Platform& platform = m_computer.platform();
+    platform.notifier.onAction({});
+    platform.appearance.onChange({});
+    platform.desktopApp.onActivation({});
+    platform.watchLock.release();
+    platform.desktopApp.release();
 }
 
 }  // namespace ravik::app

@@ -10,7 +10,9 @@
 #include "Core/Screens/HistoryModel.h"
 #include "Core/Screens/Nav.h"
 #include "Core/Watch/Monitor.h"
+#include "Platform/Appearance.h"
 #include "Platform/Computer.h"
+#include "Platform/DesktopApp.h"
 
 namespace ravik::app {
 
@@ -47,8 +49,12 @@ private:
     void go(Destination screen, const QByteArray& token = {});
     /// Where there is no status area, the program shows itself in its window.
     void openWithoutTray();
-    std::optional<bool> isTrayDark() const;
     Task<std::string> sendFeedback();
+    /// Says it once where nothing of the program can be seen any more.
+    void mainClosed();
+    /// As the desktop wants programs to look.
+    void wear(const Look& look);
+    void activate(const Activation& asked);
 
     Computer& m_computer;
     Log& m_log;
@@ -64,6 +70,7 @@ private:
     Subscription m_observing;
     bool m_hasSettled = false;
     bool m_hasEnded = false;
+    bool m_hasToldUnseen = false;
 };
 
 }  // namespace ravik::app

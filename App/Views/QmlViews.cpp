@@ -8,6 +8,7 @@
 #include <QScreen>
 
 #include "App/Views/MainView.h"
+#include "App/Views/NoticeView.h"
 #include "App/Views/PanelView.h"
 #include "App/Views/Placing.h"
 
@@ -93,7 +94,9 @@ void QmlViews::openMain(const QByteArray& token) {
         m_main = m_frame.open("MainWindow", std::make_unique<MainView>(m_program));
         QObject::connect(m_main, &QWindow::visibilityChanged, &m_frame, [this](QWindow::Visibility visibility) {
             m_program.nav.setWindowShown(visibility != QWindow::Hidden && visibility != QWindow::Minimized);
-            if (visibility == QWindow::Hidden) closeMain();
+            if (visibility != QWindow::Hidden || !m_main) return;
+            closeMain();
+            if (m_mainClosed) m_mainClosed();
         });
         m_main->show();
         m_program.nav.windowAppeared();
@@ -108,8 +111,23 @@ void QmlViews::closeMain() {
 
 bool QmlViews::isMainOpen() const { return m_main != nullptr; }
 
+void QmlViews::tellUnseen() {
+    closeNotice();
+    m_notice = m_frame.open("NoticeWindow", std::make_unique<NoticeView>([this] { closeNotice(); }));
+    QObject::connect(m_notice, &QWindow::visibleChanged, &m_frame, [this](bool shown) {
+        if (!shown) closeNotice();
+    });
+    m_notice->show();
+    m_notice->requestActivate();
+}
+
+void QmlViews::closeNotice() {
+    if (auto* notice = std::exchange(m_notice, nullptr)) m_frame.close(notice);
+}
+
 void QmlViews::end() {
     m_questions.end();
+    closeNotice();
     closePanel();
     closeMain();
 }

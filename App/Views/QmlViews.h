@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QElapsedTimer>
 #include <QPoint>
 #include <QRect>
@@ -29,12 +31,15 @@ public:
     void openMain(const QByteArray& token) override;
     void closeMain() override;
     bool isMainOpen() const override;
+    void tellUnseen() override;
+    void onMainClosed(std::function<void()> observer) override { m_mainClosed = std::move(observer); }
     void end() override;
 
 private:
     void showPanel();
     void placePanel();
     void leavePanel();
+    void closeNotice();
 
     const Program& m_program;
     QmlFrame m_frame;
@@ -45,6 +50,8 @@ private:
     /// Freed by the frame.
     QQuickWindow* m_panel = nullptr;
     QQuickWindow* m_main = nullptr;
+    QQuickWindow* m_notice = nullptr;
+    std::function<void()> m_mainClosed;
 };
 
 }  // namespace ravik::app

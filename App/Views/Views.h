@@ -31,6 +31,11 @@ public:
     virtual void closeMain() = 0;
     virtual bool isMainOpen() const = 0;
 
+    /// Says that the program goes on without a window and how to bring it back.
+    virtual void tellUnseen() = 0;
+    /// Calls back after the user has closed the main window. One observer.
+    virtual void onMainClosed(std::function<void()> observer) = 0;
+
     /// Before the program ends: closes all, and answers the question that stands with no.
     virtual void end() = 0;
 };
