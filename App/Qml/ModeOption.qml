@@ -12,7 +12,7 @@ Pressable {
 
     spoken: text
     role: Accessible.RadioButton
-    activeFocusOnTab: checked
+    activeFocusOnTab: checked || activeFocus
     implicitWidth: Math.ceil(label.implicitWidth) + 24
     implicitHeight: Math.max(22, Math.ceil(label.implicitHeight + Tokens.base * 0.4))
     Accessible.checkable: true

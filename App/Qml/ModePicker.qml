@@ -14,7 +14,7 @@ Item {
 
     signal picked(int index)
 
-    function step(by) {
+    function step(by: int) {
         const mirrored = LayoutMirroring.enabled ? -by : by;
         const next = Math.max(0, Math.min(options.length - 1, selection + mirrored));
         if (next !== selection)
@@ -47,6 +47,7 @@ Item {
         x: 2
         y: 2
         width: parent.width - 4
+        isMirrored: picker.LayoutMirroring.enabled
 
         Repeater {
             id: buttons

@@ -12,7 +12,7 @@ namespace ravik::app {
 class MemoryBar : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(MemoryPictureView* picture READ picture WRITE setPicture NOTIFY pictureChanged FINAL)
+    Q_PROPERTY(ravik::app::MemoryPictureView* picture READ picture WRITE setPicture NOTIFY pictureChanged FINAL)
     /// Pixels of an app's icon within its part; 0 for none.
     Q_PROPERTY(qreal iconSize MEMBER m_iconSize NOTIFY changed FINAL)
     /// Pixels of the bar itself; the line stands out of it on both sides.

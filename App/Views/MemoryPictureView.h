@@ -16,7 +16,7 @@ class MemoryPictureView : public View {
     /// The picture in a sentence.
     Q_PROPERTY(QString spoken READ spoken NOTIFY changed FINAL)
     /// Roles `mark` (of LegendItem::Mark) and `words`.
-    Q_PROPERTY(RecordModel* legend READ legend CONSTANT FINAL)
+    Q_PROPERTY(ravik::app::RecordModel* legend READ legend CONSTANT FINAL)
 
 public:
     explicit MemoryPictureView(QObject* parent = nullptr);

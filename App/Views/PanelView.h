@@ -27,7 +27,7 @@ class PanelView : public View {
     Q_PROPERTY(QString pendingLine READ pendingLine CONSTANT FINAL)
     Q_PROPERTY(QString calmSymbol READ calmSymbol CONSTANT FINAL)
 
-    Q_PROPERTY(MemoryPictureView* picture READ picture CONSTANT FINAL)
+    Q_PROPERTY(ravik::app::MemoryPictureView* picture READ picture CONSTANT FINAL)
     Q_PROPERTY(QString scaleLine READ scaleLine NOTIFY changed FINAL)
 
     Q_PROPERTY(QString heroValue READ heroValue NOTIFY changed FINAL)
@@ -40,16 +40,16 @@ class PanelView : public View {
     Q_PROPERTY(bool isFreeing READ isFreeing NOTIFY changed FINAL)
     Q_PROPERTY(QString result READ result NOTIFY changed FINAL)
     Q_PROPERTY(QString gapLine READ gapLine NOTIFY changed FINAL)
-    Q_PROPERTY(RecordModel* rows READ rows CONSTANT FINAL)
+    Q_PROPERTY(ravik::app::RecordModel* rows READ rows CONSTANT FINAL)
     Q_PROPERTY(QString keepLabel READ keepLabel CONSTANT FINAL)
     Q_PROPERTY(QString keepSymbol READ keepSymbol CONSTANT FINAL)
     Q_PROPERTY(QString more READ more NOTIFY changed FINAL)
 
-    Q_PROPERTY(RecordModel* suggestions READ suggestions CONSTANT FINAL)
+    Q_PROPERTY(ravik::app::RecordModel* suggestions READ suggestions CONSTANT FINAL)
     Q_PROPERTY(QString suggestionsTitle READ suggestionsTitle CONSTANT FINAL)
     Q_PROPERTY(QString acceptLabel READ acceptLabel CONSTANT FINAL)
     Q_PROPERTY(QString dismissLabel READ dismissLabel CONSTANT FINAL)
-    Q_PROPERTY(RecordModel* live READ live CONSTANT FINAL)
+    Q_PROPERTY(ravik::app::RecordModel* live READ live CONSTANT FINAL)
     Q_PROPERTY(QString undoLabel READ undoLabel CONSTANT FINAL)
     Q_PROPERTY(QString autopilotSymbol READ autopilotSymbol CONSTANT FINAL)
     Q_PROPERTY(QString autopilotLine READ autopilotLine NOTIFY changed FINAL)
