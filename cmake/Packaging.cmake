@@ -13,4 +13,6 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# Loaded at run time, so no link tells of it.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libarchive13 | libarchive13t64")
 include(CPack)

@@ -43,10 +43,14 @@ Task<Diagnostics::Bundle> pack(Platform& platform, Log& log, Request request) {
 
 Task<std::string> build(Platform& platform, Log& log, std::string about) {
     const Folders& folders = platform.folders;
-    const auto into = destination(folders);
-    const auto bundle = co_await pack(platform, log, {into, std::move(about)});
+    // GCC 12 destroys an aggregate twice that is made within an awaiting expression.
+    Request request;
+    request.into = destination(folders);
+    request.about = std::move(about);
+    const bool isHome = request.into == folders.home;
+    const auto bundle = co_await pack(platform, log, std::move(request));
     if (!bundle.ok()) co_return failureLine(bundle);
-    co_return into == folders.home ? "Saved to your home folder" : "Saved to the Desktop";
+    co_return isHome ? "Saved to your home folder" : "Saved to the Desktop";
 }
 
 std::string failureLine(const Diagnostics::Bundle& bundle) {
