@@ -1,6 +1,8 @@
 #include "Cli/DiskCommands.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -8,9 +10,11 @@
 #include "Cli/Table.h"
 #include "Cli/TerminalAsker.h"
 #include "Core/Disk/ReclaimFence.h"
+#include "Core/Disk/RunningPrograms.h"
 #include "Core/Reading/Json.h"
 #include "Core/Screens/DiskModel.h"
 #include "Core/Screens/DiskScreen.h"
+#include "Core/Watch/ProcessScanner.h"
 #include "Core/Wording/Fmt.h"
 
 namespace ravik::cli {
@@ -34,14 +38,40 @@ bool scan(Context& context, DiskModel& model) {
     model.scan();
     while (model.isScanning() && !interrupted) loop.run();
     model.onChange({});
+    // From here on, what has begun is brought to its end.
+    context.computer.onTermination([&loop] { loop.quit(); });
     if (interrupted) context.err << "\nThe scan was interrupted; nothing was changed.\n";
     return !interrupted;
 }
 
-void useRoots(const Arguments& arguments, DiskModel& model) {
+std::filesystem::path absolute(const std::string& word) {
+    std::error_code error;
+    const auto path = std::filesystem::absolute(word, error);
+    const bool goesUp = std::ranges::find(path, "..") != path.end();
+    return goesUp ? DiskScanner::resolved(path).value_or(path) : path.lexically_normal();
+}
+
+/// False, and a line of what is expected, if the words are wrong.
+bool prepare(Context& context, const Arguments& arguments, DiskModel& model) {
     const auto given = arguments.values("--root");
     if (!given.empty()) model.projectRoots.clear();
-    for (const std::string& root : given) model.projectRoots.emplace_back(std::filesystem::absolute(root));
+    for (const std::string& root : given) {
+        const auto path = absolute(root);
+        std::error_code error;
+        if (!std::filesystem::is_directory(path, error)) {
+            if (root.empty()) {
+                context.err << "ravik disk: --root expects a folder\n";
+                return false;
+            }
+            context.err << "ravik disk: " << printable(root) << " is no folder that can be read\n";
+        }
+        model.projectRoots.push_back(path);
+    }
+    model.alsoRunning = [&context] {
+        ProcessScanner scanner(context.platform().processes, context.platform().clock);
+        return DiskScanner::runningPrograms(scanner.scan(), context.host);
+    };
+    return true;
 }
 
 }  // namespace
@@ -49,7 +79,7 @@ void useRoots(const Arguments& arguments, DiskModel& model) {
 int runDisk(Context& context, const Arguments& arguments) {
     TerminalAsker asker(context, false);
     DiskModel model(context.platform(), context.log, context.host.kind, asker);
-    useRoots(arguments, model);
+    if (!prepare(context, arguments, model)) return wrongWords;
     if (!scan(context, model)) return couldNot;
     if (arguments.has("--json")) {
         nlohmann::json rows = nlohmann::json::array();
@@ -79,12 +109,12 @@ int runDisk(Context& context, const Arguments& arguments) {
 int runDiskTrash(Context& context, const Arguments& arguments) {
     TerminalAsker asker(context, arguments.has("--yes"));
     DiskModel model(context.platform(), context.log, context.host.kind, asker);
-    useRoots(arguments, model);
+    if (!prepare(context, arguments, model)) return wrongWords;
     if (!scan(context, model)) return couldNot;
 
     bool all = true;
     for (const std::string& path : arguments.values("PATH")) {
-        const auto wanted = DiskScanner::resolved(std::filesystem::absolute(path));
+        const auto wanted = DiskScanner::resolved(absolute(path));
         const auto row = std::ranges::find_if(model.items(), [&](const Reclaimable& item) {
             return item.id == path || (wanted && DiskScanner::resolved(item.id) == wanted);
         });
@@ -93,11 +123,10 @@ int runDiskTrash(Context& context, const Arguments& arguments) {
             continue;
         }
         all = false;
-        context.err << printable(DiskScanner::description(DiskScanner::OutsideKnownRoots{path})) << "\n";
+        context.err << printable(model.whyNotListed(path)) << "\n";
     }
     if (model.checked().empty()) return couldNot;
 
-    const std::size_t ticked = model.checked().size();
     bool over = false;
     MainLoop& loop = context.platform().loop;
     spawn([](DiskModel& disk) -> Task<> { co_await disk.trashChecked(); }(model),
@@ -111,7 +140,7 @@ int runDiskTrash(Context& context, const Arguments& arguments) {
         context.err << "Nothing was moved: there is nobody to ask here; --yes answers for a script.\n";
     }
     if (model.trashed()) context.out << *model.trashed() << "\n";
-    return all && model.checked().empty() && ticked > 0 ? done : couldNot;
+    return all && model.checked().empty() ? done : couldNot;
 }
 
 }  // namespace ravik::cli

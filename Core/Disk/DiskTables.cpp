@@ -71,11 +71,14 @@ const DiskTables& linuxDisk() {
             },
         .owners =
             {
-                {".cache/google-chrome", "Chrome",
-                 {"Google Chrome", "google-chrome", "google-chrome-stable", "com.google.Chrome"}},
-                {".cache/chromium", "Chromium",
+                {".cache/google-chrome",
+                 "Chrome",
+                 {"Google Chrome", "google-chrome", "google-chrome-stable", "chrome", "com.google.Chrome"}},
+                {".cache/chromium",
+                 "Chromium",
                  {"Chromium Web Browser", "chromium", "chromium-browser", "org.chromium.Chromium"}},
-                {".cache/mozilla", "Firefox",
+                {".cache/mozilla",
+                 "Firefox",
                  {"Firefox ESR", "Firefox Web Browser", "Firefox Developer Edition", "Firefox Beta", "Firefox Nightly",
                   "firefox", "firefox-esr", "org.mozilla.firefox"}},
                 {".config/Claude/vm_bundles", "Claude", {"Claude Desktop", "claude-desktop"}},

@@ -3,6 +3,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
 
 #include <fmt/format.h>
 
@@ -81,6 +84,9 @@ std::string description(const ReclaimError& error) {
 
 std::optional<fs::path> resolved(const fs::path& path) {
     if (!path.is_absolute() || path.native().find('\0') != std::string::npos) return {};
+    const std::unique_ptr<char, decltype(&std::free)> whole(realpath(path.c_str(), nullptr), &std::free);
+    if (whole) return fs::path(whole.get());
+    if (errno != ENOENT && errno != ENOTDIR) return {};
     // Where a part does not exist, ".." behind it is taken out by name only, which can bring a link to light.
     constexpr int rounds = 16;
     fs::path current = path;
@@ -118,6 +124,16 @@ bool isReclaimable(const fs::path& path, const DiskTables& tables, const fs::pat
     });
 }
 
+const DiskTables::Owner* runningOwner(const fs::path& path, const fs::path& home, const DiskTables::Owners& owners,
+                                      const IsRunning& isRunning) {
+    const KnownPaths known(home);
+    const auto hit = std::ranges::find_if(owners, [&](const DiskTables::Owner& owner) {
+        const auto owned = known.at(owner.path);
+        return owned && owned->native() == path.native() && isRunning(owner);
+    });
+    return hit == owners.end() ? nullptr : &*hit;
+}
+
 std::optional<ReclaimError> reclaim(const ReclaimScope& scope, const Reclaimable& item,
                                     const ProjectRoots& projectRoots, const DiskTables::Owners& owners) {
     const auto folder = resolved(item.id);
@@ -128,12 +144,8 @@ std::optional<ReclaimError> reclaim(const ReclaimScope& scope, const Reclaimable
     const auto found = look(*folder);
     if (found && !found->isFolder) return OutsideKnownRoots{item.id};
 
-    const KnownPaths known(scope.home);
-    for (const auto& owner : owners) {
-        const auto owned = known.at(owner.path);
-        if (owned && owned->native() == folder->native() && scope.isRunning(owner)) {
-            return OwnerRunning{std::string(owner.app)};
-        }
+    if (const auto* owner = runningOwner(*folder, scope.home, owners, scope.isRunning)) {
+        return OwnerRunning{std::string(owner->app)};
     }
     if (!mountPointsBelow(*folder).empty()) return HoldsMount{item.id};
 

@@ -39,6 +39,10 @@ std::optional<std::filesystem::path> resolved(const std::filesystem::path& path)
 bool isReclaimable(const std::filesystem::path& path, const DiskTables& tables, const std::filesystem::path& home,
                    const ProjectRoots& projectRoots);
 
+/// The owner whose cache this is, if it runs; else null. `path` comes from resolved().
+const DiskTables::Owner* runningOwner(const std::filesystem::path& path, const std::filesystem::path& home,
+                                      const DiskTables::Owners& owners, const IsRunning& isRunning);
+
 struct ReclaimScope {
     const DiskTables& tables;
     std::filesystem::path home;  // absolute

@@ -1,6 +1,7 @@
 #include "Core/Screens/DiskModel.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include <fmt/format.h>
@@ -41,6 +42,25 @@ void DiskModel::setPhase(Phase phase) {
     if (m_observer) m_observer();
 }
 
+std::vector<RunningApp> DiskModel::running() const {
+    std::vector<RunningApp> apps = m_platform.workspace.running();
+    if (alsoRunning) std::ranges::move(alsoRunning(), std::back_inserter(apps));
+    return apps;
+}
+
+DiskScanner::IsRunning DiskModel::isRunning() const {
+    return [this](const DiskTables::Owner& owner) { return DiskScanner::isRunning(owner, running()); };
+}
+
+std::string DiskModel::whyNotListed(const std::string& path) const {
+    const auto folder = DiskScanner::resolved(path);
+    const auto* owner =
+        folder ? DiskScanner::runningOwner(*folder, m_platform.folders.home, diskTables(m_kind).owners, isRunning())
+               : nullptr;
+    if (owner) return DiskScanner::description(DiskScanner::OwnerRunning{std::string(owner->app)});
+    return DiskScanner::description(DiskScanner::OutsideKnownRoots{path});
+}
+
 void DiskModel::scan() {
     if (isScanning()) return;
     m_trashed.reset();
@@ -54,8 +74,7 @@ void DiskModel::scan() {
         });
     };
     m_platform.loop.background([deliver, cancelled = m_cancelled, roots = projectRoots, &clock = m_platform.clock,
-                                &tables = diskTables(m_kind), home = m_platform.folders.home,
-                                apps = m_platform.workspace.running()] {
+                                &tables = diskTables(m_kind), home = m_platform.folders.home, apps = running()] {
         const double started = clock.monotonic();
         const DiskScanner::Scope scope{
             .tables = tables,
@@ -99,9 +118,10 @@ void DiskModel::setChecked(const std::string& id, bool on) {
 Confirmation DiskModel::question(const std::vector<Reclaimable>& rows) const {
     Confirmation question;
     question.title = fmt::format("Move {} to the Trash?", Fmt::plural(rows.size(), "folder"));
-    question.message = fmt::format("{} GB. Each is recreated by its tool on next use, and you can put any of it back "
-                                   "from the Trash.{}",
-                                   Fmt::gbByThousands(sum(rows)), spaceNote(m_kind));
+    question.message = fmt::format(
+        "{} GB. Each is recreated by its tool on next use, and you can put any of it back "
+        "from the Trash.{}",
+        Fmt::gbByThousands(sum(rows)), spaceNote(m_kind));
     question.verb = "Move to Trash";
     for (const Reclaimable& row : rows) {
         question.ends.push_back({.tone = Tone::safe,
@@ -138,13 +158,13 @@ bool DiskModel::trash(const Reclaimable& row) {
     const DiskScanner::ReclaimScope scope{
         .tables = tables,
         .home = m_platform.folders.home,
-        .isRunning =
-            [&](const auto& owner) { return DiskScanner::isRunning(owner, m_platform.workspace.running()); },
+        .isRunning = isRunning(),
         .trash = m_platform.trash,
     };
     if (const auto error = DiskScanner::reclaim(scope, row, projectRoots, tables.owners)) {
         const std::string why = DiskScanner::description(*error);
-        m_failures.push_back(fmt::format("Could not move {} to the Trash: {} Nothing else was changed.", row.kind, why));
+        m_failures.push_back(
+            fmt::format("Could not move {} to the Trash: {} Nothing else was changed.", row.kind, why));
         m_log.event("reclaim", {{"kind", row.kind}, {"ok", false}, {"error", why}});
         setPhase(Failed{m_failures.back()});
         return false;

@@ -65,11 +65,15 @@ public:
     const std::optional<std::string>& trashed() const { return m_trashed; }
     /// The failures of the last trashChecked(), one sentence each; the last of them is the phase's.
     const std::vector<std::string>& failures() const { return m_failures; }
+    /// The sentence for a path that was asked for and is not among the items.
+    std::string whyNotListed(const std::string& path) const;
 
     /// Called after each change of what the functions above answer. One observer.
     void onChange(std::function<void()> observer) { m_observer = std::move(observer); }
 
     DiskScanner::ProjectRoots projectRoots;
+    /// What runs besides the applications that the desktop lists; none if it is empty. Main loop.
+    std::function<std::vector<RunningApp>()> alsoRunning;
 
 private:
     void finish(std::vector<Reclaimable> rows, double seconds);
@@ -77,6 +81,8 @@ private:
     bool trash(const Reclaimable& row);
     Confirmation question(const std::vector<Reclaimable>& rows) const;
     void setPhase(Phase phase);
+    std::vector<RunningApp> running() const;
+    DiskScanner::IsRunning isRunning() const;
 
     Platform& m_platform;
     Log& m_log;

@@ -11,12 +11,12 @@ using ::testing::ElementsAre;
 TEST(DiskTables, TheMacListsFifteenCachesInThisOrder) {
     std::vector<std::string_view> paths;
     for (const auto& cache : diskTables(HostKind::mac).caches) paths.push_back(cache.path);
-    EXPECT_THAT(paths, ElementsAre("Library/Caches/pnpm", ".npm/_cacache", ".npm/_npx", ".cache/pip",
-                                   "Library/Caches/pip", "Library/Caches/Homebrew", ".cargo/registry",
-                                   "Library/Developer/Xcode/DerivedData", "Library/Caches/Google/Chrome",
-                                   "Library/Caches/com.apple.dt.Xcode", ".cache/puppeteer", ".cache/uv",
-                                   ".cache/codex-runtimes", ".cache/huggingface",
-                                   "Library/Application Support/Claude/vm_bundles"));
+    EXPECT_THAT(paths,
+                ElementsAre("Library/Caches/pnpm", ".npm/_cacache", ".npm/_npx", ".cache/pip", "Library/Caches/pip",
+                            "Library/Caches/Homebrew", ".cargo/registry", "Library/Developer/Xcode/DerivedData",
+                            "Library/Caches/Google/Chrome", "Library/Caches/com.apple.dt.Xcode", ".cache/puppeteer",
+                            ".cache/uv", ".cache/codex-runtimes", ".cache/huggingface",
+                            "Library/Application Support/Claude/vm_bundles"));
 }
 
 TEST(DiskTables, TheMacHasOneOwner) {
@@ -29,14 +29,13 @@ TEST(DiskTables, TheMacHasOneOwner) {
 TEST(DiskTables, LinuxListsItsCachesInThisOrder) {
     std::vector<std::string_view> paths;
     for (const auto& cache : diskTables(HostKind::linux).caches) paths.push_back(cache.path);
-    EXPECT_THAT(paths,
-                ElementsAre(".cache/pnpm", ".local/share/pnpm/store", ".npm/_cacache", ".npm/_npx", ".cache/yarn",
-                            ".bun/install/cache", ".cache/deno", ".cache/pip", ".cache/uv", ".cache/pypoetry",
-                            ".cargo/registry", ".cache/go-build", "go/pkg/mod/cache", ".gradle/caches",
-                            ".m2/repository", ".cache/Homebrew", ".cache/google-chrome", ".cache/chromium",
-                            ".cache/mozilla", ".cache/puppeteer", ".cache/Cypress", ".cache/electron",
-                            ".cache/codex-runtimes", ".cache/huggingface", ".cache/JetBrains", ".cache/ccache",
-                            ".cache/thumbnails", ".config/Claude/vm_bundles"));
+    EXPECT_THAT(paths, ElementsAre(".cache/pnpm", ".local/share/pnpm/store", ".npm/_cacache", ".npm/_npx",
+                                   ".cache/yarn", ".bun/install/cache", ".cache/deno", ".cache/pip", ".cache/uv",
+                                   ".cache/pypoetry", ".cargo/registry", ".cache/go-build", "go/pkg/mod/cache",
+                                   ".gradle/caches", ".m2/repository", ".cache/Homebrew", ".cache/google-chrome",
+                                   ".cache/chromium", ".cache/mozilla", ".cache/puppeteer", ".cache/Cypress",
+                                   ".cache/electron", ".cache/codex-runtimes", ".cache/huggingface", ".cache/JetBrains",
+                                   ".cache/ccache", ".cache/thumbnails", ".config/Claude/vm_bundles"));
 }
 
 TEST(DiskTables, LinuxBrowsersAndClaudeOwnTheirCaches) {
@@ -49,8 +48,8 @@ TEST(DiskTables, LinuxBrowsersAndClaudeOwnTheirCaches) {
 }
 
 TEST(DiskTables, BuildFoldersAreTheSameOnBoth) {
-    const decltype(DiskTables::buildDirs) names{"node_modules", ".next", ".turbo", "dist", "build", "target", ".venv",
-                                                "venv", "DerivedData", ".pytest_cache"};
+    const decltype(DiskTables::buildDirs) names{"node_modules", ".next", ".turbo", "dist",        "build",
+                                                "target",       ".venv", "venv",   "DerivedData", ".pytest_cache"};
     EXPECT_EQ(diskTables(HostKind::mac).buildDirs, names);
     EXPECT_EQ(diskTables(HostKind::linux).buildDirs, names);
 }
@@ -65,7 +64,7 @@ TEST(DiskTables, AnOwnerRunsUnderAnyNameThatDesktopsGiveIt) {
     EXPECT_TRUE(runs(chrome, {.bundleName = "", .localizedName = "Google Chrome"}));
     EXPECT_TRUE(runs(chrome, {.bundleName = "google-chrome", .localizedName = "Navegador"}));
     EXPECT_FALSE(runs(chrome, {.bundleName = "chromium", .localizedName = "Chromium"}));
-    EXPECT_FALSE(runs(chrome, {.bundleName = "", .localizedName = "chrome"}));
+    EXPECT_FALSE(runs(chrome, {.bundleName = "", .localizedName = "Google chrome"}));
     EXPECT_TRUE(runs(*tables.owner(".cache/mozilla"), {.bundleName = "", .localizedName = "Firefox ESR"}));
 }
 
