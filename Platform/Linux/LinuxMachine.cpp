@@ -61,14 +61,17 @@ LinuxMachine::LinuxMachine() : LinuxMachine(Roots{}) {}
 LinuxMachine::~LinuxMachine() = default;
 
 std::optional<LinuxMachine::ContainerMemory> LinuxMachine::container() const {
-    const auto groups = unifiedGroups(readFile(m_roots.proc / "self/cgroup").value_or(""));
+    const auto groups = memoryGroups(readFile(m_roots.proc / "self/cgroup").value_or(""));
     if (!groups) return {};
+    const fs::path root = m_roots.sys / (groups->isUnified ? "fs/cgroup" : "fs/cgroup/memory");
+    const char* const limitName = groups->isUnified ? "memory.max" : "memory.limit_in_bytes";
+    const char* const usedName = groups->isUnified ? "memory.current" : "memory.usage_in_bytes";
     std::optional<ContainerMemory> smallest;
-    for (const std::string& group : *groups) {
-        const fs::path folder = m_roots.sys / "fs/cgroup" / fs::path(group).relative_path();
-        const auto limit = memoryLimit(readFile(folder / "memory.max").value_or(""));
+    for (const std::string& group : groups->folders) {
+        const fs::path folder = root / fs::path(group).relative_path();
+        const auto limit = memoryLimit(readFile(folder / limitName).value_or(""));
         if (!limit || (smallest && smallest->limit <= *limit)) continue;
-        const std::uint64_t used = wholeNumber(readFile(folder / "memory.current").value_or("")).value_or(0);
+        const std::uint64_t used = wholeNumber(readFile(folder / usedName).value_or("")).value_or(0);
         const std::uint64_t reclaimable = reclaimableBytes(readFile(folder / "memory.stat").value_or(""));
         smallest = {*limit, used - std::min(used, reclaimable)};
     }
@@ -80,8 +83,7 @@ std::optional<MemoryReading> LinuxMachine::memory() {
     const auto available = meminfo ? meminfoBytes(*meminfo, "MemAvailable") : std::nullopt;
     if (!available) return {};
     // A kernel without swap may not count it, which says nothing against the free memory.
-    m_swapOutPages =
-        vmstatCounter(readFile(m_roots.proc / "vmstat").value_or(""), "pswpout").value_or(m_swapOutPages);
+    m_swapOutPages = vmstatCounter(readFile(m_roots.proc / "vmstat").value_or(""), "pswpout").value_or(m_swapOutPages);
     MemoryReading reading{*available, m_swapOutPages, static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE))};
     if (const auto inside = container()) {
         const std::uint64_t left = inside->limit > inside->used ? inside->limit - inside->used : 0;

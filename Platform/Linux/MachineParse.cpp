@@ -77,32 +77,46 @@ std::vector<std::string> zramSwaps(std::string_view swaps) {
 
 std::uint64_t reclaimableBytes(std::string_view memoryStat) {
     std::uint64_t bytes = 0;
-    for (const std::string_view key : {"inactive_file", "active_file", "slab_reclaimable"}) {
-        bytes += vmstatCounter(memoryStat, key).value_or(0);
+    for (const std::string key : {"inactive_file", "active_file", "slab_reclaimable"}) {
+        // In the first version a plain key leaves the groups below out.
+        const auto whole = vmstatCounter(memoryStat, "total_" + key);
+        bytes += whole ? *whole : vmstatCounter(memoryStat, key).value_or(0);
     }
     return bytes;
 }
 
-std::optional<std::uint64_t> memoryLimit(std::string_view text) { return wholeNumber(text); }
+std::optional<std::uint64_t> memoryLimit(std::string_view text) {
+    // The first version writes the largest number of whole pages, which differs with their size.
+    constexpr std::uint64_t unlimited = 1ull << 62;
+    const auto bytes = wholeNumber(text);
+    return bytes && *bytes < unlimited ? bytes : std::nullopt;
+}
 
-std::optional<std::vector<std::string>> unifiedGroups(std::string_view cgroup) {
+std::optional<MemoryGroups> memoryGroups(std::string_view cgroup) {
+    std::optional<std::string> unified;
+    std::optional<std::string> legacy;
     while (!cgroup.empty()) {
-        const std::size_t feed = cgroup.find('\n');
-        std::string_view line = cgroup.substr(0, feed);
-        if (line.starts_with("0::/")) {
-            std::string path(line.substr(3));
-            std::vector<std::string> groups;
-            while (path.size() > 1) {
-                groups.push_back(path);
-                path.erase(path.rfind('/'));
-            }
-            groups.emplace_back();
-            return groups;
-        }
-        if (feed == cgroup.npos) break;
-        cgroup.remove_prefix(feed + 1);
+        const std::string_view line = cgroup.substr(0, cgroup.find('\n'));
+        cgroup.remove_prefix(std::min(line.size() + 1, cgroup.size()));
+        const std::size_t first = line.find(':');
+        const std::size_t second = first == line.npos ? line.npos : line.find(':', first + 1);
+        if (second == line.npos || !line.substr(second + 1).starts_with('/')) continue;
+        const std::string path(line.substr(second + 1));
+        const std::string controllers = "," + std::string(line.substr(first + 1, second - first - 1)) + ",";
+        if (line.starts_with("0::"))
+            unified = path;
+        else if (controllers.find(",memory,") != controllers.npos)
+            legacy = path;
     }
-    return {};
+    if (!unified && !legacy) return {};
+
+    // Where both are there, memory is the older one's.
+    MemoryGroups groups{!legacy, {}};
+    for (std::string path = legacy ? *legacy : *unified; path.size() > 1; path.erase(path.rfind('/'))) {
+        groups.folders.push_back(path);
+    }
+    groups.folders.emplace_back();
+    return groups;
 }
 
 }  // namespace ravik::platform

@@ -21,16 +21,25 @@ std::optional<std::uint64_t> zramStoreBytes(std::string_view mmStat);
 /// The names of the zram devices that /proc/swaps lists ("zram0").
 std::vector<std::string> zramSwaps(std::string_view swaps);
 
-/// What a control group's memory.stat counts as its own and the kernel can take back without paging: file pages and
-/// reclaimable slabs.
+/// What a control group's memory.stat counts as its own and its children's, and the kernel can take back without paging:
+/// file pages and, where they are told, reclaimable slabs.
 std::uint64_t reclaimableBytes(std::string_view memoryStat);
 
-/// A memory limit of a control group; absent for "max" and for what is no number.
+/// A memory limit of a control group; absent for "max", for the number that stands for it in a hierarchy of the first
+/// version, and for what is no number.
 std::optional<std::uint64_t> memoryLimit(std::string_view text);
 
-/// The folders from a process's own control group up to the root, longest first: "/a/b", "/a", "". Absent where
-/// there is no unified hierarchy in the file.
-std::optional<std::vector<std::string>> unifiedGroups(std::string_view cgroup);
+/// Where the memory of a process is limited.
+struct MemoryGroups {
+    /// False for a hierarchy of the first version, which memory has for itself.
+    bool isUnified = false;
+    /// From the process's own group up to the root, longest first: "/a/b", "/a", "".
+    std::vector<std::string> folders;
+
+    friend bool operator==(const MemoryGroups&, const MemoryGroups&) = default;
+};
+/// Reads the text of /proc/PID/cgroup; absent where it names neither kind.
+std::optional<MemoryGroups> memoryGroups(std::string_view cgroup);
 
 /// A whole number at the front of a file.
 std::optional<std::uint64_t> wholeNumber(std::string_view text);

@@ -21,8 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const auto& device : zramSwaps(text)) {
         if (device.find('/') != std::string::npos) __builtin_trap();
     }
-    if (const auto groups = unifiedGroups(text)) {
-        if (groups->empty() || !groups->back().empty()) __builtin_trap();
+    if (const auto groups = memoryGroups(text)) {
+        if (groups->folders.empty() || !groups->folders.back().empty()) __builtin_trap();
     }
     for (const auto& point : parseMountPoints(text)) {
         if (point.find('\n') != std::string::npos && text.find("\\012") == std::string_view::npos) __builtin_trap();

@@ -70,6 +70,19 @@ TEST_F(LinuxMachineTest, TheSmallestLimitOnTheWayUpIsTheInstalledMemory) {
     EXPECT_EQ(machine().memory()->availableBytes, 100000000u);
 }
 
+TEST_F(LinuxMachineTest, ALimitOfTheFirstVersionCountsAsWell) {
+    write("proc/meminfo", "MemTotal: 1000000 kB\nMemAvailable: 900000 kB\n");
+    write("proc/self/cgroup", "5:memory:/docker/0123\n0::/docker/0123\n");
+    // Inside a container its own group is the root of what is mounted.
+    write("sys/fs/cgroup/memory/memory.limit_in_bytes", "104857600\n");
+    write("sys/fs/cgroup/memory/memory.usage_in_bytes", "5857600\n");
+    write("sys/fs/cgroup/memory/memory.stat", "inactive_file 5\ntotal_inactive_file 1000000\n");
+    EXPECT_EQ(machine().installedBytes(), 104857600u);
+    EXPECT_EQ(machine().memory()->availableBytes, 100000000u);
+    write("sys/fs/cgroup/memory/memory.limit_in_bytes", "9223372036854771712\n");
+    EXPECT_EQ(machine().installedBytes(), 1000000u * 1024);
+}
+
 TEST_F(LinuxMachineTest, FilePagesOfAContainerAreNotMemoryInUse) {
     write("proc/meminfo", "MemTotal: 1000000 kB\nMemAvailable: 900000 kB\n");
     write("proc/self/cgroup", "0::/\n");

@@ -58,11 +58,25 @@ TEST(MachineParse, MaxIsNoLimit) {
     EXPECT_EQ(memoryLimit("536870912\n"), 536870912u);
 }
 
-TEST(MachineParse, WalksUpTheUnifiedHierarchy) {
-    using Groups = std::vector<std::string>;
-    EXPECT_EQ(unifiedGroups("0::/a/b.scope\n"), (Groups{"/a/b.scope", "/a", ""}));
-    EXPECT_EQ(unifiedGroups("12:cpu:/x\n0::/\n"), (Groups{""}));
-    EXPECT_EQ(unifiedGroups("12:cpu:/x\n"), std::nullopt);
+TEST(MachineParse, TheFirstVersionsCountsTakeTheGroupsBelowIn) {
+    EXPECT_EQ(reclaimableBytes("inactive_file 1\nactive_file 2\ntotal_inactive_file 30\ntotal_active_file 200\n"),
+              230u);
+}
+
+TEST(MachineParse, TheLargestNumberOfPagesIsNoLimit) {
+    EXPECT_EQ(memoryLimit("9223372036854771712\n"), std::nullopt);  // pages of 4 KB
+    EXPECT_EQ(memoryLimit("9223372036854710272\n"), std::nullopt);  // of 64 KB
+}
+
+TEST(MachineParse, WalksUpTheHierarchyThatLimitsMemory) {
+    EXPECT_EQ(memoryGroups("0::/a/b.scope\n"), (MemoryGroups{true, {"/a/b.scope", "/a", ""}}));
+    EXPECT_EQ(memoryGroups("12:cpu:/x\n0::/\n"), (MemoryGroups{true, {""}}));
+    EXPECT_EQ(memoryGroups("12:cpu:/x\n"), std::nullopt);
+    EXPECT_EQ(memoryGroups("12:cpu:/x\n4:hugetlb,memory:/docker/7\n1:name=memory:/y\n"),
+              (MemoryGroups{false, {"/docker/7", "/docker", ""}}));
+    EXPECT_EQ(memoryGroups("4:memory:/docker/7\n0::/system.slice\n"),
+              (MemoryGroups{false, {"/docker/7", "/docker", ""}}));
+    EXPECT_EQ(memoryGroups("4:memory\n:memory:\n"), std::nullopt);
 }
 
 }  // namespace ravik::platform
