@@ -24,7 +24,7 @@ struct FakeProcess {
     std::uint64_t cpuTicks = 0;  // nanoseconds
     double cpuPercent = 0;       // added to cpuTicks as time passes
     Time readAt = distantPast;
-    std::optional<std::string> app;
+    std::optional<std::string> app = {};
     std::uint64_t life = 0;
 
     bool ignoresTerm = false;
