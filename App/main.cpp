@@ -45,7 +45,8 @@ int main(int argc, char** argv) {
              .formerFolder = platform.folders.formerLog,
              .now = [&clock] { return clock.now(); },
              .session = Log::newSession(),
-             .enabled = !computer->environment("XCTestConfigurationFilePath")});
+             .enabled = !computer->environment("XCTestConfigurationFilePath"),
+             .createdAt = creationDate});
 
     app::StatusBarController controller(*computer, log, host);
     computer->onTermination([] { QCoreApplication::quit(); });

@@ -27,7 +27,8 @@ int main(int argc, char** argv) {
              .formerFolder = platform.folders.formerLog,
              .now = [&clock] { return clock.now(); },
              .session = Log::newSession(),
-             .enabled = !computer->environment("XCTestConfigurationFilePath")});
+             .enabled = !computer->environment("XCTestConfigurationFilePath"),
+             .createdAt = creationDate});
     cli::Context context{*computer, log, host, std::cout, std::cerr};
     context.colour = computer->terminal().isOutput() && !computer->environment("NO_COLOR");
     return cli::dispatch(context, {argv + 1, argv + argc});

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "Core/Base/Time.h"
 #include "Platform/Platform.h"
 #include "Platform/Terminal.h"
 
@@ -40,5 +42,9 @@ struct CoreRules {
 
 /// `name` is what other processes are told of this one: "ravik watch".
 std::unique_ptr<Computer> makeComputer(CoreRules rules, std::string name);
+
+/// When this file or folder was made, links not followed; absent where the file system does not keep it. Each platform
+/// has its own. Any thread.
+std::optional<Time> creationDate(const std::filesystem::path& path);
 
 }  // namespace ravik

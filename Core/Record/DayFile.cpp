@@ -63,6 +63,7 @@ void DayFile::rotate(const std::string& day, Time now) {
 }
 
 void DayFile::prune(Time now) const {
+    if (!m_createdAt) return;
     std::vector<fs::path> old;
     std::error_code error;
     for (fs::directory_iterator entry(m_folder, error), end; !error && entry != end; entry.increment(error)) {

@@ -10,7 +10,6 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include "Core/Base/Time.h"
-#include "Core/Record/CreationDate.h"
 
 namespace ravik {
 
@@ -28,8 +27,9 @@ public:
         std::string session;
         /// False under a test host: nothing is written and no folder is made.
         bool enabled = true;
-        /// When a file was made, for the 14 days that one is kept; absent counts as now. Writer's thread.
-        std::function<std::optional<Time>(const std::filesystem::path&)> createdAt = creationDate;
+        /// When a file was made, for the 14 days that one is kept; absent counts as now. Where nobody can tell, every
+        /// file is kept. Writer's thread.
+        std::function<std::optional<Time>(const std::filesystem::path&)> createdAt = {};
     };
 
     explicit Log(Options options);

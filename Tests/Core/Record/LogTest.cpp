@@ -42,8 +42,7 @@ TEST_F(Logging, LineIsCompactAndHoldsTheThreeKeys) {
               (json{{"t", "2026-03-01T09:30:15Z"}, {"kind", "launch"}, {"session", session}, {"version", "1.0"}}));
     EXPECT_NE(lines[0].find(R"("kind":"launch")"), std::string::npos);
     EXPECT_EQ(lines[0].find(' '), std::string::npos);
-    EXPECT_EQ(json::parse(lines[1]),
-              (json{{"t", "2026-03-01T09:30:15Z"}, {"kind", "panel"}, {"session", session}}));
+    EXPECT_EQ(json::parse(lines[1]), (json{{"t", "2026-03-01T09:30:15Z"}, {"kind", "panel"}, {"session", session}}));
 }
 
 TEST_F(Logging, SessionIsEightUpperCaseDigits) {
@@ -129,13 +128,11 @@ TEST_F(Logging, PrunesAgainOnlyWhenTheDayChanges) {
     EXPECT_FALSE(fs::exists(folder / "late"));
 }
 
-TEST_F(Logging, CreationDateOfANewFileIsNow) {
-    const auto before = std::chrono::system_clock::now().time_since_epoch();
-    std::ofstream(root / "fresh") << "x";
-    const auto made = creationDate(root / "fresh");
-    ASSERT_TRUE(made) << "this file system keeps no creation dates";
-    EXPECT_NEAR(*made, std::chrono::duration<double>(before).count(), 5);
-    EXPECT_EQ(creationDate(root / "missing"), std::nullopt);
+TEST_F(Logging, KeepsEveryFileWhereNobodyTellsItsAge) {
+    fs::create_directories(folder);
+    std::ofstream(folder / "2020-01-01.jsonl") << "x\n";
+    Log(plain()).event("launch");
+    EXPECT_EQ(namesIn(folder), (std::vector<std::string>{"2020-01-01.jsonl", today()}));
 }
 
 TEST_F(Logging, FormerFolderMovesWhenItIsTheOnlyOne) {
