@@ -38,6 +38,7 @@ StatusBarController::StatusBarController(Computer& computer, Log& log, const Hos
       m_actions(m_monitor, m_views),
       m_program{m_monitor,
                 m_nav,
+                m_actions,
                 m_disk,
                 m_history,
                 m_views,

@@ -16,7 +16,7 @@ Item {
     /// None where empty.
     property string line: ""
     default property alias trailing: side.data
-    readonly property bool isBroken: width < words.wanted + 24 + side.width
+    readonly property bool isBroken: Tokens.isBig || width < words.wanted + 24 + side.width
 
     implicitWidth: words.wanted + (side.width > 0 ? 24 + side.width : 0)
     implicitHeight: isBroken && side.height > 0 ? words.height + 16 + side.height : Math.max(words.height, side.height)

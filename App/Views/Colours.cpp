@@ -111,6 +111,7 @@ Colours assemble(const ColourScheme& scheme, const Surfaces& surfaces) {
     out.wash = faint(out.tolvaneSignalFill, dark ? 0.09 : 0.12);
     out.picked = dark ? over(faint(ink, strong ? 0.2 : 0.17), surfaces.content) : surfaces.content;
     out.edge = faint(ink, strong ? 0.8 : 0.16);
+    out.shade = QColor(0, 0, 0, dark ? 128 : 82);
     out.safeWash = faint(out.tolvaneSafe, dark ? 0.08 : 0.07);
     out.cautionWash = faint(out.tolvaneCaution, dark ? 0.09 : 0.08);
     return out;

@@ -47,6 +47,7 @@ struct Colours {
     QColor track;   ///< charts: what is not held
     QColor onData;  ///< text on tolvaneData
     QColor edge;    ///< the line around a popup
+    QColor shade;   ///< over a window behind its sheet
     QColor safeWash;
     QColor cautionWash;
 

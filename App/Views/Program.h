@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "Core/Ending/Actions.h"
 #include "Core/Ending/Asker.h"
 #include "Core/Screens/DiskModel.h"
 #include "Core/Screens/HistoryModel.h"
@@ -15,6 +16,7 @@ namespace ravik::app {
 struct Program {
     Monitor& monitor;
     Nav& nav;
+    Actions& actions;
     DiskModel& disk;
     HistoryModel& history;
     Asker& asker;

@@ -52,6 +52,7 @@ class Tokens : public QObject {
     Q_PROPERTY(QColor track READ track NOTIFY coloursChanged FINAL)
     Q_PROPERTY(QColor onData READ onData NOTIFY coloursChanged FINAL)
     Q_PROPERTY(QColor edge READ edge NOTIFY coloursChanged FINAL)
+    Q_PROPERTY(QColor shade READ shade NOTIFY coloursChanged FINAL)
     Q_PROPERTY(QColor safeWash READ safeWash NOTIFY coloursChanged FINAL)
     Q_PROPERTY(QColor cautionWash READ cautionWash NOTIFY coloursChanged FINAL)
     Q_PROPERTY(QColor tolvaneTint READ tolvaneTint NOTIFY coloursChanged FINAL)
@@ -146,6 +147,7 @@ public:
     QColor track() const { return m_colours.track; }
     QColor onData() const { return m_colours.onData; }
     QColor edge() const { return m_colours.edge; }
+    QColor shade() const { return m_colours.shade; }
     QColor safeWash() const { return m_colours.safeWash; }
     QColor cautionWash() const { return m_colours.cautionWash; }
     QColor tolvaneTint() const { return m_colours.tolvaneSignalText; }

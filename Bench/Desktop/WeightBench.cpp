@@ -71,7 +71,7 @@ public:
         settle();
     }
     bool hasWindow() {
-        for (const Area& area : hands.windows("Ravik")) {
+        for (const Area& area : hands.windowsOfClass("Ravik")) {
             if (area.width > endtoend::largestIcon) return true;
         }
         return false;

@@ -37,7 +37,8 @@ protected:
     Nav nav{folder.log, {Destination::diagnosis}};
     DiskModel disk{machine.platform, folder.log, machine.host.kind, asker};
     HistoryModel history{machine.loop, machine.folders.log, machine.folders.historyCache};
-    const Program program{monitor, nav, disk, history, asker, {}, [] {}, [] {}, [] {}};
+    Actions actions{monitor, asker};
+    const Program program{monitor, nav, actions, disk, history, asker, {}, [] {}, [] {}, [] {}};
 };
 
 }  // namespace ravik::app

@@ -10,6 +10,7 @@ namespace {
 class QmlViewsTest : public Desk {
 protected:
     static QQuickWindow* panel() { return theWindow(QStringLiteral("Ravik")); }
+    static QQuickWindow* mainWindow() { return theWindow(QStringLiteral("Diagnosis")); }
     static void settle() { QTest::qWait(20); }
     void ask() {
         spawn(views.ask({"End 3 programs?", "Frees 1.2 GB.", "End 3 programs", {}, {}}),
@@ -91,8 +92,8 @@ TEST_F(QmlViewsTest, ClosingTheMainWindowIsSeenByTheNavigation) {
     views.openMain({});
     EXPECT_TRUE(views.isMainOpen());
     EXPECT_TRUE(nav.windowShown());
-    ASSERT_TRUE(panel());
-    panel()->close();
+    ASSERT_TRUE(mainWindow());
+    mainWindow()->close();
     settle();
     EXPECT_FALSE(views.isMainOpen());
     EXPECT_FALSE(nav.windowShown());
@@ -104,7 +105,7 @@ TEST_F(QmlViewsTest, ClosingTheMainWindowIsSeenByTheNavigation) {
 TEST_F(QmlViewsTest, OpensTheMainWindowOnceAndBringsItToTheFrontAfterwards) {
     views.openMain({});
     views.openMain({});
-    EXPECT_EQ(shown(QStringLiteral("Ravik")).size(), 1);
+    EXPECT_EQ(shown(QStringLiteral("Diagnosis")).size(), 1);
 }
 
 TEST_F(QmlViewsTest, TheEndClosesAllAndAnswersNo) {

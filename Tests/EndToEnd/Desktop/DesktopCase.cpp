@@ -82,7 +82,7 @@ bool DesktopCase::showsBeginning(const std::string& role, const std::string& beg
 }
 
 std::vector<Area> DesktopCase::windows() {
-    std::vector<Area> areas = hands->windows("Ravik");
+    std::vector<Area> areas = hands->windowsOfClass("Ravik");
     std::erase_if(areas, [](const Area& area) { return area.width <= largestIcon; });
     return areas;
 }

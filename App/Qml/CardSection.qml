@@ -1,0 +1,63 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Ravik
+
+// The cards of one section on one surface, under its heading.
+Column {
+    id: section
+
+    required property SectionView model
+    required property DiagnosisView screen
+    required property bool isFirst
+    /// One of the screen's cards has the keyboard.
+    required property bool hasFocus
+
+    signal revealed(item: Item)
+
+    visible: model.cards.count > 0
+    spacing: 8
+    Accessible.role: Accessible.List
+    Accessible.name: model.heading
+
+    SectionHeading {
+        width: parent.width
+        text: section.model.heading
+    }
+
+    Rectangle {
+        width: parent.width
+        implicitHeight: list.height
+        radius: Tokens.radiusCard
+        color: Tokens.tolvaneContent
+
+        Column {
+            id: list
+
+            width: parent.width
+
+            Repeater {
+                model: section.model.cards
+
+                delegate: FindingCard {
+                    width: list.width
+                    isLast: index === section.model.cards.count - 1
+                    isStop: section.isFirst && index === 0 && !section.screen.hasSelection
+                    hasFocus: section.hasFocus
+                    onOpened: section.screen.open(id)
+                    onChosen: section.screen.select(id)
+                    onRun: section.screen.run(id)
+                    onGone: section.model.drop(id)
+                    onRevealed: item => section.revealed(item)
+                }
+            }
+        }
+
+        Rectangle {
+            anchors.fill: parent
+            radius: parent.radius
+            color: "transparent"
+            border.color: Tokens.tolvaneSeparator
+        }
+    }
+}

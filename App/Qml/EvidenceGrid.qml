@@ -1,0 +1,23 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Ravik
+
+// The evidence, label and value.
+Column {
+    id: grid
+
+    required property EvidenceView face
+
+    spacing: 8
+    Accessible.role: Accessible.List
+
+    Repeater {
+        model: grid.face.isGone ? null : grid.face.rows
+
+        delegate: EvidenceRow {
+            width: grid.width
+            lines: grid.face.tree
+        }
+    }
+}
