@@ -1,6 +1,6 @@
 import QtQuick
 import Ravik
-import Ravik as Own  // Qt Quick has a TreeView too.
+import "." as Own  // Qt Quick has a TreeView too.
 
 // One line of evidence: its label left, its value or the process tree right; below with large text.
 Item {

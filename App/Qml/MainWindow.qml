@@ -64,12 +64,12 @@ Window {
     }
 
     Shortcut {
-        sequences: [StandardKey.Close]
+        sequence: "Ctrl+W"
         onActivated: window.close()
     }
 
     Shortcut {
-        sequences: [StandardKey.Quit]
+        sequence: "Ctrl+Q"
         onActivated: window.model.quit()
     }
 }

@@ -41,7 +41,7 @@ Pressable {
 
         anchors.left: glyph.right
         anchors.leftMargin: 10
-        anchors.right: count.left
+        anchors.right: count.visible ? count.left : parent.right
         anchors.rightMargin: 6
         y: (link.height - height) / 2
         visible: !link.isRail
@@ -58,7 +58,6 @@ Pressable {
         anchors.rightMargin: 10
         y: words.y + words.baselineOffset - baselineOffset
         visible: !link.isRail && text !== ""
-        width: visible ? implicitWidth : 0
         text: link.badge
         color: Tokens.text2
         font: Tokens.tolvaneCaption

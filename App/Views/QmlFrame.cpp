@@ -21,6 +21,7 @@ QQuickWindow* QmlFrame::open(const char* file, std::unique_ptr<QObject> model) {
         QQmlEngine::setObjectOwnership(model.get(), QQmlEngine::CppOwnership);
         properties.insert(QStringLiteral("model"), QVariant::fromValue(model.get()));
     }
+    if (!source.isReady()) qFatal("%s", qPrintable(source.errorString()));
     auto* window = qobject_cast<QQuickWindow*>(source.createWithInitialProperties(properties));
     if (!window) qFatal("%s", qPrintable(source.errorString()));
     m_windows.push_back({std::move(model), std::unique_ptr<QQuickWindow>(window)});

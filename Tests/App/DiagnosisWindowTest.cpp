@@ -147,7 +147,7 @@ TEST_F(DiagnosisWindow, ATickLeavesEverythingInItsPlace) {
     QList<qreal> after;
     for (const auto* each : all("ScrollArea")) after.append(each->property("contentY").toReal());
     EXPECT_EQ(after, scrolled);
-    EXPECT_TRUE(says("900 MB back"));
+    EXPECT_TRUE(says("900\u00a0MB back"));
 }
 
 TEST_F(DiagnosisWindow, TheChosenCardIsScrolledIntoView) {

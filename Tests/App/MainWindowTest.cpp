@@ -36,7 +36,7 @@ TEST_F(MainWindow, ShowsACardForEachFinding) {
     EXPECT_EQ(all("FindingCard").size(), 3);
     EXPECT_EQ(all("CardSection").size(), 1);
     EXPECT_TRUE(says("Safe to end"));
-    EXPECT_TRUE(says("300 MB back"));
+    EXPECT_TRUE(says("300\u00a0MB back"));
     ASSERT_TRUE(the("FreeButton"));
     EXPECT_TRUE(the("FreeButton")->isEnabled());
 }
@@ -79,6 +79,7 @@ TEST_F(MainWindow, ItsKeysReadNowCloseAndQuit) {
     EXPECT_TRUE(window->isVisible());
     press(Qt::Key_W, Qt::ControlModifier);
     EXPECT_FALSE(window->isVisible());
+    close();
 }
 
 /// Neither at the least width nor with large text is a word cut off or drawn outside.

@@ -105,12 +105,12 @@ TEST_F(StatusBarControllerTest, WithoutAStatusAreaItShowsItsWindowAndSaysOnceTha
         }
         return false;
     };
-    EXPECT_TRUE(close(QStringLiteral("Ravik")));
+    EXPECT_TRUE(close(QStringLiteral("Diagnosis")));
     EXPECT_FALSE(controller->views().isMainOpen());
     EXPECT_TRUE(close(QStringLiteral("Ravik goes on without a window")));
     computer.machine.desktopApp.ask({"open", "diagnosis", ""});
     EXPECT_TRUE(controller->views().isMainOpen());
-    EXPECT_TRUE(close(QStringLiteral("Ravik")));
+    EXPECT_TRUE(close(QStringLiteral("Diagnosis")));
     EXPECT_FALSE(close(QStringLiteral("Ravik goes on without a window")));
 }
 

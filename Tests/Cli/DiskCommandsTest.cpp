@@ -62,7 +62,7 @@ TEST_F(DiskCommands, WordsThatNameNothingAreNoCrash) {
     EXPECT_EQ(call({"disk", "--root", ""}).status, wrongWords);
     const Result trash = call({"disk", "trash", "--yes", ""});
     EXPECT_EQ(trash.status, couldNot);
-    EXPECT_EQ(trash.err, " is not a cache or a build folder Ravik found, so it was left where it is.\n");
+    EXPECT_TRUE(trash.err.ends_with(" is not a cache or a build folder Ravik found, so it was left where it is.\n"));
     const Result missing = call({"disk", "--json", "--root", "/no/such\nfolder"});
     EXPECT_EQ(missing.status, done);
     EXPECT_EQ(json::parse(missing.out).size(), 1u);
