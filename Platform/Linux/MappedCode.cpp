@@ -27,6 +27,8 @@ std::vector<AddressRange> mappedCode(std::string_view maps) {
         if (blank == line.npos || line.substr(blank, 6) != " r-xp ") continue;
         // [vdso] and what has no name are not mapped from a file.
         if (line.find(" /") == line.npos) continue;
+        // What QML compiles for itself is written into a file in memory: dropped, it would be zeros.
+        if (line.find(" /memfd:") != line.npos || line.ends_with(" (deleted)")) continue;
         AddressRange range;
         if (parseRange(line.substr(0, blank), range)) found.push_back(range);
     }

@@ -12,8 +12,8 @@ struct AddressRange {
     friend bool operator==(const AddressRange&, const AddressRange&) = default;
 };
 
-/// The machine code that /proc/PID/maps lists: executable, not writable, mapped from a file. Nothing is ever changed
-/// in it, so that to drop its pages loses nothing.
+/// The machine code that /proc/PID/maps lists: executable, not writable, mapped from a file that lies on a disk.
+/// Nothing is ever changed in it, so that to drop its pages loses nothing.
 std::vector<AddressRange> mappedCode(std::string_view maps);
 
 }  // namespace ravik::platform

@@ -10,14 +10,22 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST(MappedCode, IsWhatIsExecutableAndLiesInAFile) {
-    EXPECT_THAT(mappedCode("55d0a2a00000-55d0a2a21000 r--p 00000000 fd:00 1234   /usr/bin/ravik-desktop\n"
-                           "55d0a2a21000-55d0a2b00000 r-xp 00021000 fd:00 1234   /usr/bin/ravik-desktop\n"
-                           "55d0a2b00000-55d0a2b10000 rw-p 00100000 fd:00 1234   /usr/bin/ravik-desktop\n"
-                           "7f0000000000-7f0000001000 r-xp 00000000 00:00 0 \n"
-                           "7f0000002000-7f0000003000 rwxp 00000000 fd:00 99     /tmp/patched code\n"
-                           "7f0000004000-7f0000006000 r-xp 00000000 fd:00 99     /opt/My App/lib one.so\n"
-                           "7ffd0b7f2000-7ffd0b7f4000 r-xp 00000000 00:00 0      [vdso]\n"),
-                ElementsAre(AddressRange{0x55d0a2a21000, 0x55d0a2b00000}, AddressRange{0x7f0000004000, 0x7f0000006000}));
+    EXPECT_THAT(
+        mappedCode("55d0a2a00000-55d0a2a21000 r--p 00000000 fd:00 1234   /usr/bin/ravik-desktop\n"
+                   "55d0a2a21000-55d0a2b00000 r-xp 00021000 fd:00 1234   /usr/bin/ravik-desktop\n"
+                   "55d0a2b00000-55d0a2b10000 rw-p 00100000 fd:00 1234   /usr/bin/ravik-desktop\n"
+                   "7f0000000000-7f0000001000 r-xp 00000000 00:00 0 \n"
+                   "7f0000002000-7f0000003000 rwxp 00000000 fd:00 99     /tmp/patched code\n"
+                   "7f0000004000-7f0000006000 r-xp 00000000 fd:00 99     /opt/My App/lib one.so\n"
+                   "7ffd0b7f2000-7ffd0b7f4000 r-xp 00000000 00:00 0      [vdso]\n"),
+        ElementsAre(AddressRange{0x55d0a2a21000, 0x55d0a2b00000}, AddressRange{0x7f0000004000, 0x7f0000006000}));
+}
+
+TEST(MappedCode, LeavesOutWhatWasCompiledWhileRunning) {
+    EXPECT_THAT(mappedCode("7f501d671000-7f501d672000 r-xp 00000000 00:01 5123   /memfd:JITCode:QtQml (deleted)\n"
+                           "7f501d673000-7f501d674000 r-xp 00000000 00:01 5124   /memfd:doublemapper\n"
+                           "7f501d675000-7f501d676000 r-xp 00000000 fd:00 5125   /tmp/.code (deleted)\n"),
+                IsEmpty());
 }
 
 TEST(MappedCode, LeavesOutWhatIsNoLineOfAMap) {
