@@ -27,8 +27,11 @@ std::vector<AddressRange> mappedCode(std::string_view maps) {
         if (blank == line.npos || line.substr(blank, 6) != " r-xp ") continue;
         // [vdso] and what has no name are not mapped from a file.
         if (line.find(" /") == line.npos) continue;
-        // What QML compiles for itself is written into a file in memory: dropped, it would be zeros.
-        if (line.find(" /memfd:") != line.npos || line.ends_with(" (deleted)")) continue;
+        // What QML compiles for itself is written into a file in memory, and what a driver maps is its own: neither would come back.
+        if (line.find(" /memfd:") != line.npos || line.find(" /dev/") != line.npos ||
+            line.ends_with(" (deleted)")) {
+            continue;
+        }
         AddressRange range;
         if (parseRange(line.substr(0, blank), range)) found.push_back(range);
     }
