@@ -14,6 +14,7 @@ Flickable {
     property real bottomPadding: padding
     readonly property real farthest: Math.max(0, contentHeight - height)
     readonly property Item focused: Window.activeFocusItem
+    property Item lastFocused: null
 
     function scrollTo(y: real) {
         contentY = Math.max(0, Math.min(farthest, y));
@@ -25,13 +26,23 @@ Flickable {
                 return;
         }
         const top = item.mapToItem(contentItem, 0, 0).y;
-        if (top - 8 < contentY)
+        const bottom = top + item.height;
+        // What is higher than the area, such as a whole list, is never seen whole: its beginning does.
+        const isTall = item.height + 16 > height;
+        if (isTall && top < contentY + height && bottom > contentY)
+            return;
+        if (isTall || top - 8 < contentY)
             scrollTo(top - 8);
-        else if (top + item.height + 8 > contentY + height)
-            scrollTo(top + item.height + 8 - height);
+        else if (bottom + 8 > contentY + height)
+            scrollTo(bottom + 8 - height);
     }
 
-    onFocusedChanged: reveal(focused)
+    // A window that opens or comes to the front stays where it is.
+    onFocusedChanged: {
+        if (focused && lastFocused)
+            reveal(focused);
+        lastFocused = focused;
+    }
     onFarthestChanged: scrollTo(contentY)
     clip: true
     interactive: false

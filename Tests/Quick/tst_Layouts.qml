@@ -125,9 +125,18 @@ TestCase {
     function test_scrollsToWhatGetsTheKeyboard() {
         const made = make(scroll);
         compare(made.contentY, 0);
+        findChild(made, "b1").forceActiveFocus(Qt.TabFocusReason);
         findChild(made, "b9").forceActiveFocus(Qt.TabFocusReason);
         verify(made.contentY > 100);
         findChild(made, "b0").forceActiveFocus(Qt.BacktabFocusReason);
+        compare(made.contentY, 0);
+    }
+
+    function test_staysWhereItIsWhenTheKeyboardComesToTheWindow() {
+        test.Window.window.contentItem.forceActiveFocus();
+        const made = make(scroll);
+        made.lastFocused = null;
+        findChild(made, "b9").forceActiveFocus();
         compare(made.contentY, 0);
     }
 
