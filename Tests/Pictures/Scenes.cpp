@@ -81,6 +81,41 @@ std::function<void(Stage&)> mainAt(int width) {
     return [width](Stage& stage) { openMain(stage, width); };
 }
 
+void openMainAtOnce(Stage& stage) {
+    stage.machine().loop.holdBackground = true;
+    stage.launch();
+    stage.openMain();
+    stage.draw();
+}
+
+/// The ring, with its first part chosen.
+void showMap(Stage& stage) {
+    stage.machine().defaults.values["diagnosisMode"] = "Map";
+    openMain(stage, 960);
+    stage.press(Qt::Key_Right);
+    stage.draw();
+}
+
+void showEvidence(Stage& stage) {
+    openMain(stage, 960);
+    stage.press(Qt::Key_Down);
+    stage.press(Qt::Key_Down);
+    stage.press(Qt::Key_Return);
+    stage.draw();
+}
+
+/// The first card's button, and a yes.
+void endOne(Stage& stage) {
+    openMain(stage, 960);
+    stage.press(Qt::Key_Down);
+    stage.press(Qt::Key_Backspace, Qt::ControlModifier);
+    stage.draw();
+    stage.press(Qt::Key_Backspace, Qt::ControlModifier);
+    stage.pass(6);
+    stage.draw();
+    stage.scrollDown();
+}
+
 }  // namespace
 
 const std::vector<Scene>& scenes() {
@@ -95,9 +130,13 @@ const std::vector<Scene>& scenes() {
         {"panel-live", stage::furnishBusy, openPanelWithLiveActions, {light, dark}},
         {"question", stage::furnishBusy, ask, {light, dark, large, mirrored}},
         {"window-diagnosis", stage::furnishBusy, mainAt(960), {light, dark, large, mirrored}},
-        {"window-diagnosis-820", stage::furnishBusy, mainAt(820), {light}},
-        {"window-diagnosis-1600", stage::furnishBusy, mainAt(1600), {light}},
+        {"window-diagnosis-820", stage::furnishBusy, mainAt(820), {light, dark}},
+        {"window-diagnosis-1600", stage::furnishBusy, mainAt(1600), {light, dark}},
         {"window-diagnosis-calm", stage::furnishCalm, mainAt(960), {light, dark}},
+        {"window-diagnosis-waiting", stage::furnishCalm, openMainAtOnce, {light, dark}},
+        {"window-diagnosis-map", stage::furnishBusy, showMap, {light, dark, large}},
+        {"window-diagnosis-evidence", stage::furnishBusy, showEvidence, {light, dark}},
+        {"window-diagnosis-after", stage::furnishBusy, endOne, {light, dark}},
     };
     return all;
 }
