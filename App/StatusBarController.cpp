@@ -44,7 +44,7 @@ StatusBarController::StatusBarController(Computer& computer, Log& log, const Hos
                 m_views,
                 [this] { return sendFeedback(); },
                 [this] { openMain(); },
-                [] { QCoreApplication::quit(); },
+                [this] { quit(); },
                 [this] { m_computer.releaseMemory(); }},
       m_item(m_nav.screens()) {
     Workspace& workspace = computer.platform().workspace;
@@ -53,6 +53,7 @@ StatusBarController::StatusBarController(Computer& computer, Log& log, const Hos
 
 StatusBarController::~StatusBarController() {
     terminate();
+    m_views.clear();
     IconStore::instance().setFinder({});
 }
 
@@ -61,11 +62,11 @@ Task<std::string> StatusBarController::sendFeedback() {
                            Feedback::about(m_monitor.host(), RAVIK_VERSION, m_computer.osRelease()));
 }
 
-bool StatusBarController::launch() {
+bool StatusBarController::launch(const Activation& asked) {
     Platform& platform = m_computer.platform();
     if (!m_underTest) {
-        platform.desktopApp.onActivation([this](const Activation& asked) { activate(asked); });
-        if (const auto other = platform.desktopApp.claim({})) {
+        platform.desktopApp.onActivation([this](const Activation& later) { activate(later); });
+        if (const auto other = platform.desktopApp.claim(asked)) {
             m_log.event("secondInstance", {{"kept", other->pid}});
             return false;
         }
@@ -94,6 +95,7 @@ bool StatusBarController::launch() {
     m_monitor.takeOverWhenFree();
     m_monitor.start();
     readEnvironment();
+    if (!asked.action.empty()) activate(asked);
     return true;
 }
 
@@ -101,7 +103,7 @@ void StatusBarController::connectItem() {
     connect(&m_item, &StatusItem::clicked, this, &StatusBarController::toggle);
     connect(&m_item, &StatusItem::openChosen, this, [this] { openMain(); });
     connect(&m_item, &StatusItem::screenChosen, this, [this](Destination screen) { go(screen); });
-    connect(&m_item, &StatusItem::quitChosen, this, [] { QCoreApplication::quit(); });
+    connect(&m_item, &StatusItem::quitChosen, this, &StatusBarController::quit);
     Appearance& appearance = m_computer.platform().appearance;
     appearance.onChange([this](const Look& look) { wear(look); });
     wear(appearance.look());
@@ -155,7 +157,7 @@ void StatusBarController::go(Destination screen, const QByteArray& token) {
 }
 
 void StatusBarController::mainClosed() {
-    if (m_hasToldUnseen || StatusItem::isAvailable()) return;
+    if (m_hasEnded || m_hasToldUnseen || StatusItem::isAvailable()) return;
     m_hasToldUnseen = true;
     m_views.tellUnseen();
 }
@@ -179,7 +181,7 @@ void StatusBarController::wear(const Look& look) {
 }
 
 void StatusBarController::activate(const Activation& asked) {
-    const auto screen = parseDestination(asked.action == "open" ? asked.parameter : asked.action);
+    const auto screen = requestedDestination(asked.action, asked.parameter);
     const QByteArray token = QByteArray::fromStdString(asked.token);
     if (screen) {
         go(*screen, token);
@@ -191,10 +193,17 @@ void StatusBarController::activate(const Activation& asked) {
 void StatusBarController::answer(const std::string& action) {
     m_log.event("notificationAction", {{"action", action}});
     if (action == "free") {
+        if (m_views.raiseQuestion()) return;
         spawn(m_actions.freeAll({}), [](const std::optional<std::string>&) {});
         return;
     }
     go(Destination::diagnosis, QByteArray::fromStdString(m_computer.platform().notifier.activationToken()));
+}
+
+void StatusBarController::quit() {
+    // Before the windows are closed one by one, each as if the user had closed it.
+    terminate();
+    QCoreApplication::quit();
 }
 
 void StatusBarController::terminate() {

@@ -26,9 +26,11 @@ public:
     StatusBarController(Computer& computer, Log& log, const Host& host);
     ~StatusBarController() override;
 
-    /// Everything that happens at launch. False if another instance runs, which has been brought to the front.
-    bool launch();
+    /// Everything that happens at launch; `asked` is what this start was to show. False if another instance runs, which has been brought to the front.
+    bool launch(const Activation& asked = {});
     /// The panel, open or closed; while a question stands, the question.
+    /// Ends the program.
+    void quit();
     void toggle();
     void openMain(const QByteArray& token = {});
     /// Before the program ends: nothing stays asked, paused or demoted. Once.

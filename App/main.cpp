@@ -16,6 +16,13 @@ void chooseRendering() {
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
 }
 
+/// "--open disk": what a start from the terminal or a menu asks to see.
+ravik::Activation activation(const QStringList& words) {
+    const auto at = words.indexOf(QStringLiteral("--open"));
+    if (at < 0) return {};
+    return {"open", words.value(at + 1).toStdString(), {}};
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -49,8 +56,8 @@ int main(int argc, char** argv) {
              .createdAt = creationDate});
 
     app::StatusBarController controller(*computer, log, host);
-    computer->onTermination([] { QCoreApplication::quit(); });
-    if (!controller.launch()) return 0;
+    computer->onTermination([&controller] { controller.quit(); });
+    if (!controller.launch(activation(QApplication::arguments()))) return 0;
     const int status = QApplication::exec();
     controller.terminate();
     return status;

@@ -24,6 +24,7 @@ FocusScope {
     Shortcut {
         enabled: cards.hasKeys
         sequence: cards.model.runKey
+        autoRepeat: false
         onActivated: cards.model.runSelected()
     }
 

@@ -27,6 +27,9 @@ CardRow {
     opacity: share
     enabled: !isLeaving
     clip: share < 1
+    // Made anew for a row that has gone meanwhile, it has nothing to show.
+    Component.onCompleted: if (isLeaving)
+        gone()
     onIsSelectedChanged: take()
     onShareChanged: if (share === 0 && isLeaving)
         gone()

@@ -23,10 +23,14 @@ Window {
         LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
         LayoutMirroring.childrenInherit: true
         Keys.onEscapePressed: panel.close()
-        Keys.onReturnPressed: if (panel.model.canFree)
-            panel.model.free()
-        Keys.onEnterPressed: if (panel.model.canFree)
-            panel.model.free()
+        Keys.onReturnPressed: event => {
+            if (!event.isAutoRepeat && panel.model.canFree)
+                panel.model.free();
+        }
+        Keys.onEnterPressed: event => {
+            if (!event.isAutoRepeat && panel.model.canFree)
+                panel.model.free();
+        }
 
         PanelHeader {
             id: header

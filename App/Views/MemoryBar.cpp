@@ -50,14 +50,15 @@ void MemoryBar::paintSegment(QPainter* painter, const MemoryBarFace::Segment& se
     const QRectF quit = part(segment.start + segment.stays, segment.quit);
     const QRectF free = part(segment.start + segment.stays + segment.quit, segment.free);
     painter->fillRect(stays, segment.isRest ? tokens.rest() : tokens.tolvaneData());
+    const double staysTo = segment.start + segment.stays;
+    if (staysTo > ramAt) {
+        const double from = qMax(segment.start, ramAt);
+        painter->fillRect(part(from, staysTo - from), tokens.tolvaneSwap());
+    }
     paintHatch(painter, quit);
     painter->fillRect(free, tokens.tolvaneSignalFill());
 
     const double end = segment.start + segment.stays + segment.quit + segment.free;
-    if (end > ramAt) {
-        const double from = qMax(segment.start, ramAt);
-        painter->fillRect(part(from, end - from), tokens.tolvaneSwap());
-    }
     if (segment.icon && m_iconSize > 0 && stays.width() >= m_iconSize + iconRoom) {
         QRectF square(0, 0, m_iconSize, m_iconSize);
         square.moveCenter(stays.center());

@@ -36,6 +36,11 @@ void QmlFrame::close(QQuickWindow* window) {
     QMetaObject::invokeMethod(this, &QmlFrame::sweep, Qt::QueuedConnection);
 }
 
+void QmlFrame::clear() {
+    m_windows.clear();
+    m_engine.reset();
+}
+
 void QmlFrame::sweep() {
     // Freeing a window may close another.
     std::vector<Opened> leaving;

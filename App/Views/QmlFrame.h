@@ -26,6 +26,9 @@ public:
     /// asks for it. To its owner it is gone.
     void close(QQuickWindow* window);
 
+    /// Frees all windows now, and the engine: what they read is about to go.
+    void clear();
+
     bool isEmpty() const { return m_windows.empty(); }
 
 Q_SIGNALS:

@@ -101,6 +101,9 @@ void QmlViews::openMain(const QByteArray& token) {
         m_main->show();
         m_program.nav.windowAppeared();
     }
+    if (m_main->windowStates() & Qt::WindowMinimized) {
+        m_main->setWindowStates(m_main->windowStates() & ~Qt::WindowMinimized);
+    }
     m_main->raise();
     m_main->requestActivate();
 }
@@ -126,10 +129,15 @@ void QmlViews::closeNotice() {
 }
 
 void QmlViews::end() {
+    closePanel();
     m_questions.end();
     closeNotice();
-    closePanel();
     closeMain();
+}
+
+void QmlViews::clear() {
+    end();
+    m_frame.clear();
 }
 
 Task<bool> QmlViews::ask(const Confirmation& question) { return m_questions.ask(question); }

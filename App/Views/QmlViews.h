@@ -34,6 +34,8 @@ public:
     void tellUnseen() override;
     void onMainClosed(std::function<void()> observer) override { m_mainClosed = std::move(observer); }
     void end() override;
+    /// Frees every window now.
+    void clear();
 
 private:
     void showPanel();

@@ -62,20 +62,22 @@ QuestionView::QuestionView(QuestionScreen screen, Answer answer)
     m_rows.set(rowsOf(m_screen));
 }
 
-void QuestionView::watch(QWindow& window) {
-    window.installEventFilter(this);
-    m_shown.start();
-}
+void QuestionView::watch(QWindow& window) { window.installEventFilter(this); }
 
 void QuestionView::goAhead() {
-    if (m_shown.hasExpired(QGuiApplication::styleHints()->mouseDoubleClickInterval())) answer(true);
+    if (m_shown.isValid() && m_shown.hasExpired(QGuiApplication::styleHints()->mouseDoubleClickInterval())) answer(true);
 }
 
 bool QuestionView::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Expose && !m_shown.isValid()) m_shown.start();
     if (event->type() == QEvent::Close) answer(false);
     if (event->type() == QEvent::KeyPress) {
         if (const auto yes = QuestionKeys::answer(press(*static_cast<QKeyEvent*>(event)))) {
-            answer(*yes);
+            if (*yes) {
+                goAhead();
+            } else {
+                answer(false);
+            }
             return true;
         }
     }

@@ -48,8 +48,8 @@ public:
     QString summary() const { return text(m_screen.summary); }
     RecordModel* rows() { return &m_rows; }
 
-    /// The button that goes ahead. Deaf for as long as a double click takes: its second click was meant for what
-    /// stood there before.
+    /// The button that goes ahead, and its chord. Deaf from the first sight of the question for as long as a double
+    /// click takes: the second press was meant for what stood there before.
     Q_INVOKABLE void goAhead();
     Q_INVOKABLE void cancelled() { answer(false); }
 

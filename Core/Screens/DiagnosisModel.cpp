@@ -163,6 +163,8 @@ void DiagnosisModel::free() {
 void DiagnosisModel::setMode(DiagnosisState::Mode mode) {
     if (mode == m_state.mode) return;
     m_state.mode = mode;
+    // The rows that the pointer was over go, and say nothing.
+    m_isPointerOver = false;
     m_monitor.platform().defaults.set(modeKey, word(mode));
     refresh();
 }

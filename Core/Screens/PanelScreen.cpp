@@ -104,7 +104,7 @@ std::optional<std::string> keepable(const Finding& finding, const ProcessIndex& 
     const KillTrees* kill = finding.kills();
     if (!finding.id.starts_with("orphan:") || !kill || kill->pids.empty()) return std::nullopt;
     const Proc* proc = index.find(kill->pids.front());
-    if (!proc) return std::nullopt;
+    if (!proc || proc->command.view().empty()) return std::nullopt;
     return proc->command.str();
 }
 

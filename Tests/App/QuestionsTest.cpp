@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QQuickItem>
+#include <QStyleHints>
 #include <QTest>
 
 #include "Tests/App/Desk.h"
@@ -109,7 +110,14 @@ TEST_F(QuestionsTest, TabGoesRoundBothButtons) {
                                   QStringLiteral("End 3 programs")}));
 }
 
-TEST_F(QuestionsTest, AClickOnTheVerbIsAYesButNotTheSecondOfADoubleClick) {
+/// With the time that a double click takes on a desktop.
+class DeafQuestion : public QuestionsTest {
+protected:
+    void SetUp() override { QGuiApplication::styleHints()->setMouseDoubleClickInterval(400); }
+    void TearDown() override { QGuiApplication::styleHints()->setMouseDoubleClickInterval(0); }
+};
+
+TEST_F(DeafQuestion, TakesAClickOnTheVerbForAYesButNotTheSecondOfADoubleClick) {
     auto* window = ask();
     ASSERT_TRUE(window);
     click(window, QStringLiteral("End 3 programs"));
@@ -119,6 +127,26 @@ TEST_F(QuestionsTest, AClickOnTheVerbIsAYesButNotTheSecondOfADoubleClick) {
     click(window, QStringLiteral("End 3 programs"));
     settle();
     EXPECT_EQ(answers, QList<bool>{true});
+}
+
+TEST_F(DeafQuestion, TakesTheChordForAYesButNotTheOneThatBroughtItUp) {
+    auto* window = ask();
+    ASSERT_TRUE(window);
+    QTest::keyClick(window, Qt::Key_Backspace, Qt::ControlModifier);
+    settle();
+    EXPECT_TRUE(answers.isEmpty());
+    QTest::qWait(500);
+    QTest::keyClick(window, Qt::Key_Backspace, Qt::ControlModifier);
+    settle();
+    EXPECT_EQ(answers, QList<bool>{true});
+}
+
+TEST_F(DeafQuestion, HearsANoAtOnce) {
+    auto* window = ask();
+    ASSERT_TRUE(window);
+    QTest::keyClick(window, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(answers, QList<bool>{false});
 }
 
 TEST_F(QuestionsTest, AClickOnCancelIsANoAtOnce) {

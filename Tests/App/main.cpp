@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QQuickWindow>
+#include <QStyleHints>
 
 #include <gtest/gtest.h>
 
@@ -9,6 +10,8 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    // A question hears its first press at once.
+    QGuiApplication::styleHints()->setMouseDoubleClickInterval(0);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

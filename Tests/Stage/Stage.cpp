@@ -1,6 +1,7 @@
 #include "Tests/Stage/Stage.h"
 
 #include <QApplication>
+#include <QStyleHints>
 #include <QDeadlineTimer>
 #include <QKeyEvent>
 #include <QWheelEvent>
@@ -75,6 +76,8 @@ void prepareApplication() {
     QApplication::setApplicationName(QStringLiteral("Ravik"));
     QApplication::setQuitOnLastWindowClosed(false);
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    // A question hears its first press at once.
+    QGuiApplication::styleHints()->setMouseDoubleClickInterval(0);
 }
 
 }  // namespace ravik::stage

@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include "Tests/EndToEnd/Desktop/DesktopCase.h"
 
@@ -32,6 +33,8 @@ protected:
         }));
         hands->click(free);
         ASSERT_TRUE(shows(button, "Cancel"));
+        // Until then it takes no yes.
+        usleep(doubleClick);
     }
     /// Waits for that many answers, and returns the last.
     bool answer(std::size_t count) {
@@ -42,6 +45,7 @@ protected:
     }
 
     static constexpr const char* button = "push button";
+    static constexpr useconds_t doubleClick = 600'000;
     Pid left = 0;
 };
 
