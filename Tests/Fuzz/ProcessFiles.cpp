@@ -4,17 +4,17 @@
 #include <cstdint>
 #include <string_view>
 
+#include "Platform/Linux/ApplicationUnit.h"
 #include "Platform/Linux/AppNames.h"
 #include "Platform/Linux/AppRules.h"
-#include "Platform/Linux/ApplicationUnit.h"
 #include "Platform/Linux/BootTime.h"
 #include "Platform/Linux/CommandLine.h"
 #include "Platform/Linux/ControlGroup.h"
 #include "Platform/Linux/Interpreters.h"
+#include "Platform/Linux/LockFile.h"
 #include "Platform/Linux/ProcParse.h"
 #include "Platform/Linux/ServiceRules.h"
 #include "Platform/Linux/Utf8.h"
-#include "Platform/Linux/WatcherLock.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ void statistics(std::string_view text) {
     parseProcStatm(text);
     parseVmSwap(text);
     parseSwapUsed(text);
-    parseWatcher(text);
+    parseLockHolder(text);
 }
 
 void names(std::string_view text) {
