@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "Tests/Fakes/TemporaryFolder.h"
 #include "Tests/Platform/Support/Children.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
 
 namespace ravik::endtoend {
 
@@ -61,7 +61,7 @@ public:
     std::string shell(const std::string& as) const;
 
 private:
-    platform::TemporaryFolder m_folder;
+    fakes::TemporaryFolder m_folder;
     std::vector<std::string> m_environment;
 };
 
@@ -84,7 +84,7 @@ public:
     Result finish(double seconds = 30);
 
 private:
-    platform::TemporaryFolder m_output;
+    fakes::TemporaryFolder m_output;
     std::chrono::steady_clock::time_point m_begun;
     Pid m_pid = 0;
     bool m_ended = false;

@@ -6,33 +6,13 @@
 #include <string>
 #include <vector>
 
-#include <unistd.h>
-
 #include <nlohmann/json.hpp>
 
 #include "Core/Record/Log.h"
 #include "Tests/Fakes/FakeClock.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 
 namespace ravik::fakes {
-
-/// A folder of its own that goes with its holder.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "ravik-test-XXXXXX").string();
-        m_path = mkdtemp(pattern.data());
-    }
-    ~TemporaryFolder() {
-        std::error_code error;
-        std::filesystem::remove_all(m_path, error);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    const std::filesystem::path& path() const { return m_path; }
-
-private:
-    std::filesystem::path m_path;
-};
 
 /// A real log in a folder of its own, on a fake clock.
 class LogFolder {

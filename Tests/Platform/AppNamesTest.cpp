@@ -9,6 +9,7 @@
 #include "Core/Watch/ProcessScanner.h"
 #include "Platform/Linux/LinuxProcessTable.h"
 #include "Tests/Fakes/FakeClock.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 
 namespace ravik::platform {
 
@@ -18,13 +19,11 @@ namespace fs = std::filesystem;
 
 struct Folder {
     Folder() {
-        std::string pattern = (fs::temp_directory_path() / "ravik-apps-XXXXXX").native();
-        root = mkdtemp(pattern.data());
         fs::create_directories(root / "applications");
         fs::create_directories(root / "proc");
     }
-    ~Folder() { fs::remove_all(root); }
-    fs::path root;
+    fakes::TemporaryFolder own;
+    const fs::path root = own.path();
 };
 
 /// Processes in a captured folder, applications in another.
@@ -39,9 +38,11 @@ struct AppNamesTest : testing::Test, Folder {
         entry("spot_spot", "Spot", "/snap/bin/spot");
     }
 
-    void entry(const std::string& id, const std::string& name, const std::string& exec, const std::string& categories = "") {
+    void entry(const std::string& id, const std::string& name, const std::string& exec,
+               const std::string& categories = "") {
         std::ofstream(root / "applications" / (id + ".desktop"))
-            << "[Desktop Entry]\nType=Application\nName=" << name << "\nExec=" << exec << "\nCategories=" << categories << "\n";
+            << "[Desktop Entry]\nType=Application\nName=" << name << "\nExec=" << exec << "\nCategories=" << categories
+            << "\n";
     }
 
     struct Process {
@@ -93,7 +94,8 @@ struct AppNamesTest : testing::Test, Folder {
 TEST_F(AppNamesTest, TheUnitOfTheControlGroupComesFirst) {
     put({.pid = 10, .executable = "/home/me/wrapper", .unit = "app.slice/app-gnome-firefox-3401.scope"});
     put({.pid = 11, .executable = "/usr/bin/bwrap", .unit = "app.slice/app-flatpak-org.gimp.GIMP-77.scope"});
-    put({.pid = 12, .executable = "/snap/spot/9/bin/x",
+    put({.pid = 12,
+         .executable = "/snap/spot/9/bin/x",
          .unit = "snap.spot.spot-3f0c2a52-6a0b-4d9e-9f0e-0a1b2c3d4e5f.scope"});
     put({.pid = 13, .executable = "/home/me/other", .unit = R"(app.slice/app-google\x2dchrome@0b12.service)"});
     put({.pid = 14, .executable = "/home/me/other", .unit = "app.slice/app-unknown-1.scope"});
@@ -107,7 +109,9 @@ TEST_F(AppNamesTest, TheUnitOfTheControlGroupComesFirst) {
 
 TEST_F(AppNamesTest, AnExecutableOfAnotherEntryGoesBeforeTheUnit) {
     put({.pid = 10, .executable = "/usr/lib/firefox/firefox", .unit = "app-org.kde.konsole-88.scope"});
-    put({.pid = 11, .executable = "/usr/bin/python3.11", .arguments = {"python3", "/usr/share/notes/notes.py"},
+    put({.pid = 11,
+         .executable = "/usr/bin/python3.11",
+         .arguments = {"python3", "/usr/share/notes/notes.py"},
          .unit = "app-gnome-firefox-3401.scope"});
     auto names = scan();
     EXPECT_EQ(names[10], "Firefox");
@@ -117,7 +121,10 @@ TEST_F(AppNamesTest, AnExecutableOfAnotherEntryGoesBeforeTheUnit) {
 TEST_F(AppNamesTest, ATerminalsOrAnEditorsUnitNamesOnlyItsOwn) {
     put({.pid = 10, .executable = "/usr/bin/konsole", .unit = "app-org.kde.konsole-88.scope"});
     put({.pid = 11, .ppid = 10, .executable = "/usr/bin/bash", .unit = "app-org.kde.konsole-88.scope"});
-    put({.pid = 12, .ppid = 11, .executable = "/usr/bin/node", .arguments = {"node", "server.js"},
+    put({.pid = 12,
+         .ppid = 11,
+         .executable = "/usr/bin/node",
+         .arguments = {"node", "server.js"},
          .unit = "app-org.kde.konsole-88.scope"});
     put({.pid = 20, .executable = "/usr/share/code/code", .unit = "app-code-4.scope"});
     put({.pid = 21, .executable = "/usr/bin/node", .arguments = {"node", "server.js"}, .unit = "app-code-4.scope"});
@@ -131,8 +138,14 @@ TEST_F(AppNamesTest, ATerminalsOrAnEditorsUnitNamesOnlyItsOwn) {
 
 TEST_F(AppNamesTest, AHelperTakesTheNameOfItsNearestAncestorFromTheSameFolder) {
     put({.pid = 10, .executable = "/opt/google/chrome/chrome"});
-    put({.pid = 11, .ppid = 10, .executable = "/opt/google/chrome/chrome", .arguments = {"/opt/google/chrome/chrome", "--type=zygote"}});
-    put({.pid = 12, .ppid = 11, .executable = "/opt/google/chrome/chrome", .arguments = {"/opt/google/chrome/chrome --type=renderer --x"}});
+    put({.pid = 11,
+         .ppid = 10,
+         .executable = "/opt/google/chrome/chrome",
+         .arguments = {"/opt/google/chrome/chrome", "--type=zygote"}});
+    put({.pid = 12,
+         .ppid = 11,
+         .executable = "/opt/google/chrome/chrome",
+         .arguments = {"/opt/google/chrome/chrome --type=renderer --x"}});
     // An application that no entry's path leads to, known by its unit alone.
     put({.pid = 20, .executable = "/home/me/electron/app", .unit = "app-gnome-firefox-1.scope"});
     put({.pid = 21, .ppid = 20, .executable = "/usr/bin/bash"});
@@ -149,7 +162,9 @@ TEST_F(AppNamesTest, AHelperTakesTheNameOfItsNearestAncestorFromTheSameFolder) {
 
 TEST_F(AppNamesTest, ExecutablesAndScriptsAreLookedUp) {
     put({.pid = 10, .executable = "/usr/lib/firefox/firefox (deleted)"});
-    put({.pid = 11, .executable = "/usr/bin/python3.11", .arguments = {"/usr/bin/python3", "-s", "/usr/share/notes/notes.py"}});
+    put({.pid = 11,
+         .executable = "/usr/bin/python3.11",
+         .arguments = {"/usr/bin/python3", "-s", "/usr/share/notes/notes.py"}});
     put({.pid = 12, .executable = "/usr/bin/python3.11", .arguments = {"python3", "/home/me/x.py"}});
     put({.pid = 13, .executable = "/app/bin/gimp-2.10"});
     auto names = scan();

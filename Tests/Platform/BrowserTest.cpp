@@ -16,12 +16,12 @@ TEST(Browser, ClosesPolitely) {
     options.groupOf = [](Pid pid) { return std::optional(std::to_string(pid)); };
     const auto workspace = makeWorkspace(std::move(options), {.display = server.display()});
 
-    TemporaryFolder profile;
+    fakes::TemporaryFolder profile;
     Reaper reaper;
-    const Pid pid = reaper.add(startProgram(
-        {RAVIK_CHROMIUM, "--no-sandbox", "--no-first-run", "--disable-gpu", "--password-store=basic",
-         "--user-data-dir=" + profile.path().native(), "about:blank"},
-        {server.variable(), "HOME=" + profile.path().native()}));
+    const Pid pid =
+        reaper.add(startProgram({RAVIK_CHROMIUM, "--no-sandbox", "--no-first-run", "--disable-gpu",
+                                 "--password-store=basic", "--user-data-dir=" + profile.path().native(), "about:blank"},
+                                {server.variable(), "HOME=" + profile.path().native()}));
     std::optional<RunningApp> app;
     ASSERT_TRUE(turnUntil(
         [&] {

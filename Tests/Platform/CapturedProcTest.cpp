@@ -7,6 +7,7 @@
 #include "Core/Watch/ProcessScanner.h"
 #include "Platform/Linux/LinuxProcessTable.h"
 #include "Tests/Fakes/FakeClock.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 
 // What cannot be staged with live processes, on a folder that looks like the kernel's.
 namespace ravik::platform {
@@ -29,17 +30,11 @@ struct Captured {
 
 struct CapturedFolder {
     CapturedFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "ravik-proc-XXXXXX").native();
-        root = mkdtemp(pattern.data());
         write("stat", "cpu  1 2 3\nbtime 1759000000\nprocesses 9\n");
         swap(0);
     }
-    ~CapturedFolder() { std::filesystem::remove_all(root); }
 
-    void write(const std::string& file, const std::string& text) const {
-        std::filesystem::create_directories((root / file).parent_path());
-        std::ofstream(root / file, std::ios::binary) << text;
-    }
+    void write(const std::string& file, const std::string& text) const { own.write(file, text); }
     void swap(int usedKilobytes) const {
         write("swaps", "Filename\tType\tSize\tUsed\tPriority\n/dev/sda2 partition 1000000 " +
                            std::to_string(usedKilobytes) + " -2\n");
@@ -56,7 +51,8 @@ struct CapturedFolder {
         write(folder + "cmdline", process.arguments);
     }
 
-    std::filesystem::path root;
+    fakes::TemporaryFolder own;
+    const std::filesystem::path root = own.path();
 };
 
 struct CapturedProcTest : testing::Test, CapturedFolder {
@@ -78,7 +74,11 @@ struct CapturedProcTest : testing::Test, CapturedFolder {
 }  // namespace
 
 TEST_F(CapturedProcTest, GivesWholeRecords) {
-    put({.pid = 41, .name = "node", .ppid = 7, .start = 12345 * rate + rate - 1, .arguments = std::string("node\0a.js\0", 10)});
+    put({.pid = 41,
+         .name = "node",
+         .ppid = 7,
+         .start = 12345 * rate + rate - 1,
+         .arguments = std::string("node\0a.js\0", 10)});
     const std::vector<Proc> procs = scan();
     ASSERT_EQ(procs.size(), 1U);
     EXPECT_EQ(procs[0].id, 41);

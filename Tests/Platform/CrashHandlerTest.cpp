@@ -14,7 +14,7 @@
 #include "Platform/Linux/ReadFile.h"
 #include "Platform/Linux/ReportText.h"
 #include "Tests/Platform/Support/ChildWork.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 
 namespace ravik::platform {
 
@@ -52,7 +52,7 @@ struct CrashHandlerTest : testing::Test {
     std::string text() const { return readFile(report.string()).value_or("none"); }
     CrashDiagnostic diagnostic() const { return ReportText::crash(text()); }
 
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
     std::filesystem::path report = folder.path() / "state/ravik/Ravik-crash-1.new";
 };
 

@@ -9,9 +9,9 @@
 #include <unistd.h>
 
 #include "Platform/Linux/LinuxServices.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 #include "Tests/Platform/Support/Children.h"
 #include "Tests/Platform/Support/Desktop.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
 #include "Tests/Platform/Support/XClient.h"
 
 namespace ravik::platform {
@@ -83,7 +83,7 @@ TEST_F(Engaged, IsAServerWithAClientOfTheUser) {
 }
 
 TEST_F(Engaged, IsAServerOnAUnixSocket) {
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     (folder.path() / "s").native().copy(address.sun_path, sizeof address.sun_path - 1);
@@ -145,8 +145,10 @@ TEST_F(Engaged, IsWhoeverOwnsAWindowOnTheUsersDisplay) {
     setenv("DISPLAY", server.display().c_str(), 1);
     EXPECT_THAT(LinuxServices(options).engaged({shown, hidden}, readProcs({getpid(), shown, hidden})),
                 UnorderedElementsAre(shown));
-    if (before) setenv("DISPLAY", kept.c_str(), 1);
-    else unsetenv("DISPLAY");
+    if (before)
+        setenv("DISPLAY", kept.c_str(), 1);
+    else
+        unsetenv("DISPLAY");
 }
 
 TEST_F(Engaged, IsWhoeverOwnsAWindowItselfOrBelow) {

@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "Platform/Linux/ReadFile.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 #include "Tests/Platform/Support/ChildWork.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
 
 namespace ravik::platform {
 
@@ -40,7 +40,7 @@ struct FileTrashDeathTest : ::testing::Test {
         _exit(0);
     }
 
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
     fs::path trash = folder.path() / "data/Trash";
 };
 

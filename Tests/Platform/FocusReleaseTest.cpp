@@ -51,7 +51,7 @@ protected:
     OwnXServer server;
     OwnWindowManager manager;
     Reaper reaper;
-    TemporaryFolder home;
+    fakes::TemporaryFolder home;
     PidfdSignals signals;
     std::unique_ptr<Workspace> workspace;
 };

@@ -8,7 +8,7 @@
 #include <limits>
 
 #include "Platform/Linux/ReadFile.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 
 namespace ravik::platform {
 namespace {
@@ -40,7 +40,7 @@ protected:
     LeverJournal make(const std::string& boot = "boot-1") const { return {folder, geteuid(), boot}; }
     std::optional<std::string> text() const { return readFile((folder / "levers.json").native()); }
 
-    TemporaryFolder home;
+    fakes::TemporaryFolder home;
     fs::path folder = home.path() / "run" / "ravik";
 };
 

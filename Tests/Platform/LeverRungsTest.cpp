@@ -53,7 +53,7 @@ protected:
         return readFile(cgroup() + appSlice + "/" + unit + "/" + file).value_or("");
     }
 
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
 };
 
 /// The same with somebody to answer for the units.

@@ -15,11 +15,11 @@
 #include "Platform/Linux/Autogroups.h"
 #include "Platform/Linux/PidfdSignals.h"
 #include "Platform/Linux/ReadFile.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 #include "Tests/Platform/Support/Children.h"
 #include "Tests/Platform/Support/Desktop.h"
 #include "Tests/Platform/Support/FakeUserManager.h"
 #include "Tests/Platform/Support/LeverScene.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
 
 namespace ravik::platform {
 namespace {
@@ -40,7 +40,7 @@ LeverOptions optionsIn(const std::filesystem::path& folder) {
 
 /// Levers of a program that runs in a child.
 struct OwnLevers {
-    TemporaryFolder home;
+    fakes::TemporaryFolder home;
     PidfdSignals signals;
     LinuxLevers levers{signals, optionsIn(home.path())};
 };
@@ -74,7 +74,7 @@ protected:
     const std::string slice = service + "/app.slice";
     const std::string unit = "app-foo-1.scope";
 
-    TemporaryFolder home;
+    fakes::TemporaryFolder home;
     PidfdSignals signals;
     Reaper reaper;
 };

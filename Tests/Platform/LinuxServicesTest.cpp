@@ -6,7 +6,7 @@
 #include <map>
 #include <set>
 
-#include "Tests/Platform/Support/TemporaryFolder.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 
 namespace ravik::platform {
 namespace {
@@ -70,7 +70,7 @@ protected:
 
     bool managed(Pid pid, Time at = now) { return services.read(procs, at).managed.contains(pid); }
 
-    TemporaryFolder root;
+    fakes::TemporaryFolder root;
     Apps apps;
     std::vector<Proc> procs;
     LinuxServices services;

@@ -13,7 +13,7 @@
 #include "Platform/Linux/GLibLoop.h"
 #include "Platform/Linux/ReadFile.h"
 #include "Tests/Platform/Support/Children.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 
 namespace ravik::platform {
 
@@ -24,7 +24,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 struct ReportFolderTest : testing::Test {
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
     ReportFolder reports{folder.path()};
 
     void write(const std::string& name, const std::string& text, int age = 0) const {

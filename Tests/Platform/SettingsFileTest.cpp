@@ -10,8 +10,8 @@
 #include <nlohmann/json.hpp>
 
 #include "Platform/Linux/ReadFile.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 #include "Tests/Platform/Support/ChildWork.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
 
 namespace ravik::platform {
 
@@ -40,7 +40,7 @@ struct SettingsFiles : ::testing::Test {
         return names;
     }
 
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
     fs::path file = folder.path() / "config/ravik/settings.json";
 };
 

@@ -86,8 +86,8 @@ public:
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         path().copy(address.sun_path, sizeof address.sun_path - 1);
-        const bool ready = bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
-                           listen(listener, 4) == 0;
+        const bool ready =
+            bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 && listen(listener, 4) == 0;
         m_pid = ready ? m_reaper.add(forkChild([&] { serve(listener, getppid()); })) : 0;
         close(listener);
     }
@@ -127,7 +127,7 @@ private:
         if (write(fd, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) _exit(1);
     }
 
-    TemporaryFolder m_folder;
+    fakes::TemporaryFolder m_folder;
     Reaper m_reaper;
     Pid m_pid = 0;
 };

@@ -10,9 +10,9 @@
 #include <gtest/gtest.h>
 
 #include "Platform/Linux/ReadFile.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 #include "Tests/Platform/Support/ChildWork.h"
 #include "Tests/Platform/Support/Children.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
 
 namespace ravik::platform {
 
@@ -47,7 +47,7 @@ struct WatcherLocks : ::testing::Test {
         return refusal->sentence;
     }
 
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
     fs::path runtime = folder.path() / "ravik";
     Reaper reaper;
 };

@@ -14,7 +14,7 @@
 
 #include "Platform/Linux/ReadFile.h"
 #include "Tests/Platform/Support/ChildWork.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 
 namespace ravik::platform {
 
@@ -47,7 +47,7 @@ struct ZipArchiveTest : testing::Test {
     }
     std::string content(const std::string& name) const { return unzip("-p " + file.string() + " '" + name + "'"); }
 
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
     fs::path from = folder.path() / "Ravik-feedback-1";
     fs::path into = folder.path() / "into";
     fs::path file = into / "bundle.zip";

@@ -16,20 +16,12 @@ namespace ravik {
 namespace fs = std::filesystem;
 
 DiskTree::DiskTree() {
-    std::string pattern = (fs::temp_directory_path() / "ravik-disk-XXXXXX").string();
-    if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
-    m_base = fs::canonical(pattern);
     fs::permissions(m_base, fs::perms::owner_all | fs::perms::others_exec | fs::perms::others_read);
     home = m_base / "home";
     outside = m_base / "outside";
     folder(home);
     folder(outside);
     roots = {home / "Projects"};
-}
-
-DiskTree::~DiskTree() {
-    std::error_code error;
-    fs::remove_all(m_base, error);
 }
 
 void DiskTree::fill(const fs::path& where, std::uint64_t bytes, const std::string& name) {
@@ -62,21 +54,17 @@ void DiskTree::link(const fs::path& path, const fs::path& target) {
 void DiskTree::age(const fs::path& path, double days) {
     const double at = now - days * day;
     timespec times[2];
-    times[0] = times[1] = {static_cast<time_t>(std::floor(at)),
-                           static_cast<long>((at - std::floor(at)) * 1e9)};
+    times[0] = times[1] = {static_cast<time_t>(std::floor(at)), static_cast<long>((at - std::floor(at)) * 1e9)};
     ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW), 0) << path;
 }
 
 DiskScanner::Scope DiskTree::scope(HostKind kind) {
-    return {.tables = diskTables(kind),
-            .home = home,
-            .now = now,
-            .isRunning = [this](const auto& owner) { return DiskScanner::isRunning(owner, running); }};
+    return {.tables = diskTables(kind), .home = home, .now = now, .isRunning = [this](const auto& owner) {
+                return DiskScanner::isRunning(owner, running);
+            }};
 }
 
-std::vector<Reclaimable> DiskTree::scan(HostKind kind) {
-    return DiskScanner::scan(scope(kind), roots, {}).value();
-}
+std::vector<Reclaimable> DiskTree::scan(HostKind kind) { return DiskScanner::scan(scope(kind), roots, {}).value(); }
 
 std::vector<std::string> DiskTree::scannedIds(HostKind kind) {
     std::vector<std::string> ids;

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "Core/Disk/DiskScanner.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 
 namespace ravik {
 
@@ -19,7 +20,6 @@ inline constexpr double day = 86'400;
 class DiskTree : public ::testing::Test {
 protected:
     DiskTree();
-    ~DiskTree() override;
 
     /// Makes the folders and a file in which exactly this much is allocated, a multiple of 4096.
     void fill(const std::filesystem::path& folder, std::uint64_t bytes, const std::string& name = "data");
@@ -41,7 +41,8 @@ protected:
     const Time now = 1'760'000'000;
 
 private:
-    std::filesystem::path m_base;
+    fakes::TemporaryFolder m_folder;
+    const std::filesystem::path m_base = m_folder.path();
 };
 
 /// Keeps what it is given where it is, and notes its path.

@@ -1,30 +1,21 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <string_view>
 
+#include "Tests/Fakes/TemporaryFolder.h"
+
 namespace ravik {
 
 /// A real folder for logs and one for their cache, gone at the end of the test.
 class LogFolder {
 public:
-    LogFolder() {
-        std::string made = (std::filesystem::temp_directory_path() / "ravik-log-XXXXXX").string();
-        root = ::mkdtemp(made.data());
-        logs = root / "logs";
-        cache = root / "cache";
+    LogFolder() : root(m_folder.path()), logs(root / "logs"), cache(root / "cache") {
         std::filesystem::create_directories(logs);
     }
-    ~LogFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(root, ignored);
-    }
-    LogFolder(const LogFolder&) = delete;
-    LogFolder& operator=(const LogFolder&) = delete;
 
     std::filesystem::path logFile(const std::string& day = "2026-03-01") const { return logs / (day + ".jsonl"); }
     std::filesystem::path cacheFile(const std::string& day = "2026-03-01") const { return cache / (day + ".json"); }
@@ -41,7 +32,11 @@ public:
         return {std::istreambuf_iterator<char>(in), {}};
     }
 
-    std::filesystem::path root, logs, cache;
+private:
+    fakes::TemporaryFolder m_folder;
+
+public:
+    const std::filesystem::path root, logs, cache;
 };
 
 }  // namespace ravik

@@ -15,21 +15,13 @@
 #include <nlohmann/json.hpp>
 
 #include "Core/Record/Log.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 
 namespace ravik {
 
 /// A folder of its own for each case, and a clock that stands at half past nine, UTC, on the first of March 2026.
 class LogScene : public ::testing::Test {
 protected:
-    void SetUp() override {
-        std::string pattern = (std::filesystem::temp_directory_path() / "ravik-log-XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        root = pattern;
-        folder = root / "state" / "ravik";
-        former = root / "state" / "tolvane";
-    }
-    void TearDown() override { std::filesystem::remove_all(root); }
-
     Log::Options plain() {
         Log::Options options;
         options.folder = folder;
@@ -91,9 +83,10 @@ protected:
         return count;
     }
 
-    std::filesystem::path root;
-    std::filesystem::path folder;
-    std::filesystem::path former;
+    const fakes::TemporaryFolder own;
+    const std::filesystem::path root = own.path();
+    std::filesystem::path folder = root / "state" / "ravik";
+    std::filesystem::path former = root / "state" / "tolvane";
     std::atomic<Time> now{1772357415};
 };
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "Tests/Fakes/TemporaryFolder.h"
 #include "Tests/Platform/Support/Children.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
 
 namespace ravik::platform {
 
@@ -51,7 +51,7 @@ public:
     bool started() const { return m_started; }
 
 private:
-    TemporaryFolder m_home;
+    fakes::TemporaryFolder m_home;
     Reaper m_reaper;
     Pid m_pid = 0;
     bool m_started = false;
@@ -70,7 +70,7 @@ public:
     std::string variable() const { return "DBUS_SESSION_BUS_ADDRESS=" + m_address; }
 
 private:
-    TemporaryFolder m_folder;
+    fakes::TemporaryFolder m_folder;
     std::string m_address;
 };
 

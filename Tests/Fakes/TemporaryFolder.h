@@ -2,19 +2,21 @@
 
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include <stdlib.h>
 
-namespace ravik::platform {
+namespace ravik::fakes {
 
-/// A folder of a test's own, removed with everything in it at the end.
+/// A folder of a test's own, free of links, that goes with everything in it at the end.
 class TemporaryFolder {
 public:
     TemporaryFolder() {
         std::string pattern = (std::filesystem::temp_directory_path() / "ravik-test-XXXXXX").native();
-        m_path = mkdtemp(pattern.data());
+        if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
+        m_path = std::filesystem::canonical(pattern);
     }
     ~TemporaryFolder() {
         std::error_code error;
@@ -35,4 +37,4 @@ private:
     std::filesystem::path m_path;
 };
 
-}  // namespace ravik::platform
+}  // namespace ravik::fakes
