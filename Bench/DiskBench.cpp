@@ -121,8 +121,8 @@ void disk(benchmark::State& state) {
             du = std::min(du, seconds([&] { run("du -s '" + tree.string() + "'"); }));
             scan = std::min(scan, seconds([&] { rows = scanned(home); }));
             gdu = std::min(gdu, seconds([&] {
-                hasGdu = run("gdu --non-interactive --no-progress '" + tree.string() + "'") && hasGdu;
-            }));
+                               hasGdu = run("gdu --non-interactive --no-progress '" + tree.string() + "'") && hasGdu;
+                           }));
         }
     }
     const double whole = peakMB(measure);

@@ -136,7 +136,8 @@ int dispatch(Context& context, const std::vector<std::string>& words) {
     } catch (const CLI::ParseError& error) {
         const Command* command = reached(root, leaf);
         if (!command) command = findCommand(given.front());
-        if (!command) return refuse(context, nullptr, fmt::format("there is no command \"{}\"", printable(given.front())));
+        if (!command)
+            return refuse(context, nullptr, fmt::format("there is no command \"{}\"", printable(given.front())));
         return refuse(context, command, error.what());
     }
     const Command* command = reached(root, leaf);

@@ -36,8 +36,8 @@ struct ProcessReading {
     std::optional<Text> arguments;
     /// Path of the executable; absent where it cannot be read.
     std::optional<Text> path;
-    Time started = 0;               // whole seconds
-    std::uint64_t startTicks = 0;   // the kernel's own stamp, 0: none
+    Time started = 0;              // whole seconds
+    std::uint64_t startTicks = 0;  // the kernel's own stamp, 0: none
     /// Absent where the kernel refuses.
     std::optional<std::uint64_t> footprintBytes;
     /// CPU time used so far, in ticks of ProcessTable::nanosPerTick; absent where the kernel refuses.

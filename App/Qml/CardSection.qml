@@ -13,7 +13,7 @@ Column {
     /// One of the screen's cards has the keyboard.
     required property bool hasFocus
 
-    signal revealed(item: Item)
+    signal revealed(Item item)
 
     visible: model.cards.count > 0
     spacing: 8

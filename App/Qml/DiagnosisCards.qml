@@ -10,7 +10,7 @@ FocusScope {
     required property DiagnosisView model
     required property bool hasKeys
 
-    signal revealed(item: Item)
+    signal revealed(Item item)
 
     focus: true
     implicitHeight: column.implicitHeight

@@ -9,7 +9,7 @@ Column {
     required property bool hasKeys
 
     /// This has been chosen by key and is to be seen.
-    signal revealed(item: Item)
+    signal revealed(Item item)
 
     spacing: 20
 

@@ -14,7 +14,7 @@ CardRow {
     property real share: isLeaving ? 0 : 1
 
     signal gone
-    signal revealed(item: Item)
+    signal revealed(Item item)
 
     function take() {
         if (!isSelected || !hasFocus)
@@ -34,8 +34,9 @@ CardRow {
     onShareChanged: if (share === 0 && isLeaving)
         gone()
 
-    Behavior on share {
-        RowEnding {}
+    Behavior on share  {
+        RowEnding {
+        }
     }
 
     CardBody {

@@ -80,8 +80,9 @@ Column {
             opacity: 0
             Accessible.role: Accessible.AlertMessage
             Component.onCompleted: opacity = 1
-            Behavior on opacity {
-                ResultIn {}
+            Behavior on opacity  {
+                ResultIn {
+                }
             }
         }
     }

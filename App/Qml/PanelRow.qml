@@ -66,8 +66,9 @@ Item {
             font: Tokens.button
             opacity: 0
             Component.onCompleted: opacity = 1
-            Behavior on opacity {
-                ResultIn {}
+            Behavior on opacity  {
+                ResultIn {
+                }
             }
         }
     }

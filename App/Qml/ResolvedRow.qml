@@ -23,8 +23,9 @@ Item {
     Accessible.role: Accessible.StaticText
     Accessible.name: spoken
 
-    Behavior on opacity {
-        ResultIn {}
+    Behavior on opacity  {
+        ResultIn {
+        }
     }
 
     Rectangle {

@@ -53,7 +53,8 @@ const std::array<RecordListModel<Resolved>::Role, 8> resolvedRoles{{
 }  // namespace
 
 CardList::CardList(QObject* parent)
-    : LeavingList(cardRoles, [](const Card& row) { return row.record.id; }, parent) {}
+    : LeavingList(
+          cardRoles, [](const Card& row) { return row.record.id; }, parent) {}
 
 ResolvedList::ResolvedList(QObject* parent) : RecordListModel(resolvedRoles, &Resolved::id, parent) {}
 

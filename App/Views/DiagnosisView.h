@@ -3,8 +3,8 @@
 #include <array>
 #include <memory>
 
-#include <QQmlListProperty>
 #include <QtQml/qqmlregistration.h>
+#include <QQmlListProperty>
 
 #include "App/Views/BeforeAfterView.h"
 #include "App/Views/EvidenceView.h"

@@ -22,8 +22,10 @@ const std::array<RecordListModel<EvidenceView::Placed>::Role, 5> EvidenceView::r
 
 EvidenceView::EvidenceView(QObject* parent)
     : View(parent),
-      m_tree(treeRoles, [](const TreeLine& line) { return std::to_string(line.id); }, this),
-      m_rows(rowRoles, [](const Placed& placed) { return std::to_string(placed.place); }, this) {}
+      m_tree(
+          treeRoles, [](const TreeLine& line) { return std::to_string(line.id); }, this),
+      m_rows(
+          rowRoles, [](const Placed& placed) { return std::to_string(placed.place); }, this) {}
 
 EvidenceView::~EvidenceView() = default;
 

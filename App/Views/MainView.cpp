@@ -19,7 +19,8 @@ const std::array<RecordListModel<SidebarRow>::Role, 6> rowRoles{{
 
 MainView::MainView(const Program& program)
     : m_program(program),
-      m_rows(rowRoles, [](const SidebarRow& row) { return std::string(word(row.destination)); }, this),
+      m_rows(
+          rowRoles, [](const SidebarRow& row) { return std::string(word(row.destination)); }, this),
       m_diagnosis(program, this) {
     m_watching = program.monitor.observe([this](Monitor::Change change) {
         if (change == Monitor::Change::snapshot) show();

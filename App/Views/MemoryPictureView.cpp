@@ -14,7 +14,9 @@ const std::array<RecordListModel<LegendItem>::Role, 2> roles{{
 }  // namespace
 
 MemoryPictureView::MemoryPictureView(QObject* parent)
-    : View(parent), m_legend(roles, [](const LegendItem& item) { return std::to_string(int(item.mark)); }, this) {}
+    : View(parent),
+      m_legend(
+          roles, [](const LegendItem& item) { return std::to_string(int(item.mark)); }, this) {}
 
 void MemoryPictureView::show(MemoryBarFace face, const std::vector<LegendItem>& legend) {
     m_legend.set(legend);

@@ -54,7 +54,8 @@ PanelView::PanelView(const Program& program)
       m_model(program.monitor, program.asker, program.sendFeedback),
       m_rows(rowRoles, &Row::id, this),
       m_suggestions(suggestionRoles, &Suggestion::id, this),
-      m_live(liveRoles, [](const Live& row) { return std::to_string(row.id); }, this) {
+      m_live(
+          liveRoles, [](const Live& row) { return std::to_string(row.id); }, this) {
     m_model.onChange([this] { show(); });
     show();
 }

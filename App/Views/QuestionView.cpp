@@ -65,7 +65,8 @@ QuestionView::QuestionView(QuestionScreen screen, Answer answer)
 void QuestionView::watch(QWindow& window) { window.installEventFilter(this); }
 
 void QuestionView::goAhead() {
-    if (m_shown.isValid() && m_shown.hasExpired(QGuiApplication::styleHints()->mouseDoubleClickInterval())) answer(true);
+    if (m_shown.isValid() && m_shown.hasExpired(QGuiApplication::styleHints()->mouseDoubleClickInterval()))
+        answer(true);
 }
 
 bool QuestionView::eventFilter(QObject* watched, QEvent* event) {

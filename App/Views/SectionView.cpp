@@ -12,7 +12,8 @@ void SectionView::show(const std::vector<DiagnosisScreen::Section>& sections) {
 }
 
 void SectionView::drop(const QString& id) {
-    QMetaObject::invokeMethod(this, [this, id] { m_cards.drop(id.toStdString()); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [this, id] { m_cards.drop(id.toStdString()); }, Qt::QueuedConnection);
 }
 
 }  // namespace ravik::app

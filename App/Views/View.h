@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include <QObject>
 #include <QtQml/qqmlregistration.h>
+#include <QObject>
 
 namespace ravik::app {
 

@@ -82,10 +82,11 @@ FirstFrame panelFrames() {
 
 /// The same for a window that holds nothing but forty of Qt's plain buttons.
 FirstFrame buttonsFrames() {
-    constexpr const char* source = "import QtQuick\nimport QtQuick.Controls.Basic\nimport QtQuick.Layouts\n"
-                                   "Window { width: 360; height: 640\n"
-                                   "GridLayout { columns: 4; Repeater { model: 40; Button { required property int index\n"
-                                   "text: \"Button \" + index } } } }";
+    constexpr const char* source =
+        "import QtQuick\nimport QtQuick.Controls.Basic\nimport QtQuick.Layouts\n"
+        "Window { width: 360; height: 640\n"
+        "GridLayout { columns: 4; Repeater { model: 40; Button { required property int index\n"
+        "text: \"Button \" + index } } } }";
     std::unique_ptr<QQmlEngine> engine;
     std::unique_ptr<QQuickWindow> window;
     return firstFrames(

@@ -87,9 +87,7 @@ template <typename T>
 Task<T> TaskPromise<T>::get_return_object() {
     return Task<T>(Task<T>::Handle::from_promise(*this));
 }
-inline Task<void> TaskPromise<void>::get_return_object() {
-    return Task<void>(Task<void>::Handle::from_promise(*this));
-}
+inline Task<void> TaskPromise<void>::get_return_object() { return Task<void>(Task<void>::Handle::from_promise(*this)); }
 
 /// A coroutine that starts at once and frees itself at its end.
 struct Detached {

@@ -22,9 +22,12 @@ char32_t lower(char32_t scalar) {
     if (within(scalar, 0x391, 0x3AB)) return scalar + 32;
     switch (scalar) {
         case 0x386: return 0x3AC;
-        case 0x388: case 0x389: case 0x38A: return scalar + 37;
+        case 0x388:
+        case 0x389:
+        case 0x38A: return scalar + 37;
         case 0x38C: return 0x3CC;
-        case 0x38E: case 0x38F: return scalar + 63;
+        case 0x38E:
+        case 0x38F: return scalar + 63;
         case 0x1E9E: return 0xDF;
         default: break;
     }

@@ -13,9 +13,18 @@ bool takesInlineText(std::string_view option) {
 }
 
 bool takesValue(std::string_view option) {
-    static const HostTables::Names options{"-r", "--require", "--import", "--loader", "--experimental-loader",
-                                           "-C", "--conditions", "--env-file", "--title", "--max-old-space-size",
-                                           "-W", "-X"};
+    static const HostTables::Names options{"-r",
+                                           "--require",
+                                           "--import",
+                                           "--loader",
+                                           "--experimental-loader",
+                                           "-C",
+                                           "--conditions",
+                                           "--env-file",
+                                           "--title",
+                                           "--max-old-space-size",
+                                           "-W",
+                                           "-X"};
     return options.contains(option);
 }
 

@@ -30,8 +30,7 @@ struct FreeMatch {
 
 /// One range is enough for every expression, since no capture is ever asked for.
 pcre2_match_data* scratch() {
-    static thread_local const std::unique_ptr<pcre2_match_data, FreeMatch> data(
-        pcre2_match_data_create(1, nullptr));
+    static thread_local const std::unique_ptr<pcre2_match_data, FreeMatch> data(pcre2_match_data_create(1, nullptr));
     return data.get();
 }
 
@@ -54,8 +53,8 @@ Regex::~Regex() {
 
 std::optional<std::string_view> Regex::find(std::string_view text) const {
     if (!m_code->required.empty() && text.find(m_code->required) == text.npos) return std::nullopt;
-    const int found = pcre2_match(m_code->compiled, reinterpret_cast<PCRE2_SPTR>(text.data()), text.size(), 0, 0,
-                                  scratch(), nullptr);
+    const int found =
+        pcre2_match(m_code->compiled, reinterpret_cast<PCRE2_SPTR>(text.data()), text.size(), 0, 0, scratch(), nullptr);
     if (found < 0) return std::nullopt;
     const PCRE2_SIZE* range = pcre2_get_ovector_pointer(scratch());
     return text.substr(range[0], range[1] - range[0]);

@@ -9,8 +9,8 @@
 #include "Core/Disk/DiskScope.h"
 #include "Core/Disk/FolderMeasures.h"
 #include "Core/Disk/ProjectScan.h"
-#include "Core/Disk/Reclaimable.h"
 #include "Core/Disk/ReclaimFence.h"
+#include "Core/Disk/Reclaimable.h"
 #include "Platform/Platform.h"
 
 /// Finds folders that can go: tool caches, browsers that a newer version has superseded, transcripts and build folders

@@ -48,9 +48,8 @@ std::vector<std::string> mountPointsBelow(const std::filesystem::path& folder) {
     std::string prefix = folder.string();
     if (!prefix.ends_with('/')) prefix += '/';
     std::vector<std::string> points = parseMountPoints(text);
-    std::erase_if(points, [&](const std::string& point) {
-        return !point.starts_with(prefix) || point.size() == prefix.size();
-    });
+    std::erase_if(
+        points, [&](const std::string& point) { return !point.starts_with(prefix) || point.size() == prefix.size(); });
     return points;
 }
 

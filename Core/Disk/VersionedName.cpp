@@ -23,7 +23,8 @@ std::optional<VersionedName> VersionedName::parse(std::string_view name) {
 std::vector<std::string> oldVersions(const std::vector<std::string>& names) {
     std::map<std::string, std::vector<std::pair<std::int64_t, std::string>>> families;
     for (const std::string& name : names) {
-        if (const auto parsed = VersionedName::parse(name)) families[parsed->family].emplace_back(parsed->version, name);
+        if (const auto parsed = VersionedName::parse(name))
+            families[parsed->family].emplace_back(parsed->version, name);
     }
     std::vector<std::string> old;
     for (auto& [family, versions] : families) {

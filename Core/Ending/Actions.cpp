@@ -38,8 +38,8 @@ void Actions::note(const EndResult& result) {
         m_outcome.kind = Outcome::Kind::ended;
         m_outcome.survivors.insert(m_outcome.survivors.end(), ended->survivors.begin(), ended->survivors.end());
     } else {
-        m_outcome.kind = std::holds_alternative<Refused>(result) ? Outcome::Kind::refused
-                                                                 : Outcome::Kind::needsConfirmation;
+        m_outcome.kind =
+            std::holds_alternative<Refused>(result) ? Outcome::Kind::refused : Outcome::Kind::needsConfirmation;
     }
 }
 

@@ -54,8 +54,7 @@ bool isSame(const Proc& proc, const ProcessTable& table) {
 
 Pids descendants(Pid root, const std::vector<Proc>& procs) { return ProcessIndex(procs).descendants(root); }
 
-Pids killTree(Pid root, const std::vector<Proc>& procs, double graceSeconds, const Host& host,
-              const Signals& signals) {
+Pids killTree(Pid root, const std::vector<Proc>& procs, double graceSeconds, const Host& host, const Signals& signals) {
     const ProcessIndex index(procs);
     const Proc* record = index.find(root);
     if (!record || record->uid != host.uid) return {root};

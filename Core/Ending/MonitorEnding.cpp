@@ -124,9 +124,7 @@ Task<EndResult> Monitor::apply(Finding finding, bool cautionConfirmed, std::shar
             return end(pids, before->processes, cautionConfirmed, host, platform.processes, platform.signals);
         };
         Callback<EndResult> beside([&loop = m_platform.loop, work](Callback<EndResult>::Resume resume) {
-            loop.background([&loop, work, resume] {
-                loop.post([resume, ended = work()] { resume(ended); });
-            });
+            loop.background([&loop, work, resume] { loop.post([resume, ended = work()] { resume(ended); }); });
         });
         result = co_await beside;
     } else {
@@ -182,11 +180,9 @@ void Monitor::endLeftovers(const Snapshot& snapshot) {
     }
     if (pids.empty()) return;
 
-    const EndResult result =
-        end(pids, snapshot.processes, false, m_host, m_platform.processes, m_platform.signals);
+    const EndResult result = end(pids, snapshot.processes, false, m_host, m_platform.processes, m_platform.signals);
     if (const auto* done = std::get_if<Ended>(&result)) {
-        m_log.event("autopilot",
-                    {{"ended", pids.size()}, {"mb", Fmt::wholeMB(bytes)}, {"survivors", done->survivors}});
+        m_log.event("autopilot", {{"ended", pids.size()}, {"mb", Fmt::wholeMB(bytes)}, {"survivors", done->survivors}});
     }
 }
 

@@ -48,8 +48,8 @@ bool readStats(const Node& node, SystemStats& stats) {
 
 bool readProcess(const Node& node, Proc& proc) {
     const auto readApp = [&](const Node& app) {
-        return app.isNull() || (app.value().is_string() ? app.read(proc.app.emplace())
-                                                        : app.fail("expected a string or null"));
+        return app.isNull() ||
+               (app.value().is_string() ? app.read(proc.app.emplace()) : app.fail("expected a string or null"));
     };
     return node.isObject() && node.required("id", proc.id) && node.required("ppid", proc.ppid) &&
            node.required("uid", proc.uid) && node.required("name", proc.name) &&
@@ -64,9 +64,8 @@ bool readProcesses(const Node& node, std::vector<Proc>& procs) {
         Proc proc;
         if (!readProcess(element, proc)) return false;
         if (!seen.insert(proc.id).second) {
-            return element.member("id", [&](const Node& id) {
-                return id.fail(fmt::format("pid {} occurs twice", proc.id));
-            });
+            return element.member("id",
+                                  [&](const Node& id) { return id.fail(fmt::format("pid {} occurs twice", proc.id)); });
         }
         procs.push_back(std::move(proc));
         return true;
@@ -116,9 +115,8 @@ bool readBusySince(const Node& node, Trend& trend) {
 
 bool readSample(const Node& node, Trend::Sample& sample) {
     const auto readBytes = [&](const Node& bytes) {
-        return bytes.members([&](const std::string& group, const Node& held) {
-            return held.read(sample.bytes[group]);
-        });
+        return bytes.members(
+            [&](const std::string& group, const Node& held) { return held.read(sample.bytes[group]); });
     };
     return node.isObject() && node.required("at", sample.at) && node.member("bytes", readBytes);
 }
@@ -164,13 +162,17 @@ bool readAll(const Node& root, Capture& capture) {
         root.optionalMember("engaged", [&](const Node& node) { return readPids(node, host.engaged); }) &&
         root.optionalMember("adopters", [&](const Node& node) { return readPids(node, host.adopters); }) &&
         root.optionalMember("thresholds", [&](const Node& node) { return readThresholds(node, reading.limits); }) &&
-        root.optionalMember("keep", [&](const Node& node) {
-            return readStrings(node, [&](std::string text) { reading.keep.insert(std::move(text)); });
-        }) &&
+        root.optionalMember("keep",
+                            [&](const Node& node) {
+                                return readStrings(node,
+                                                   [&](std::string text) { reading.keep.insert(std::move(text)); });
+                            }) &&
         root.optionalMember("trend", [&](const Node& node) { return readTrend(node, *trend); }) &&
-        root.optionalMember("running", [&](const Node& node) {
-            return readStrings(node, [&](std::string text) { capture.running.push_back(std::move(text)); });
-        }) &&
+        root.optionalMember("running",
+                            [&](const Node& node) {
+                                return readStrings(
+                                    node, [&](std::string text) { capture.running.push_back(std::move(text)); });
+                            }) &&
         root.optionalMember("foreground", [&](const Node& node) { return readForeground(node, capture.foreground); }) &&
         root.optionalMember("engineHistory",
                             [&](const Node& node) { return readHistory(node, capture.engineHistory); }) &&
@@ -205,7 +207,8 @@ CaptureResult readCaptureStream(std::istream& stream, const std::string& name, H
 
 CaptureResult readCaptureFile(const std::filesystem::path& path, HostKind machine) {
     std::string name = path.string();
-    std::ranges::replace_if(name, [](unsigned char byte) { return byte < ' ' || byte == 0x7F; }, '?');
+    std::ranges::replace_if(
+        name, [](unsigned char byte) { return byte < ' ' || byte == 0x7F; }, '?');
     errno = 0;
     std::ifstream file(path, std::ios::binary);
     if (!file) return {{}, fmt::format("{}: {}", name, std::generic_category().message(errno))};

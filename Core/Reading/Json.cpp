@@ -39,8 +39,8 @@ json remedy(const Remedy& remedy) {
 
 json face(const CardFace& face) {
     return {
-        {"name", face.name}, {"sub", face.sub}, {"age", orNull(face.age)}, {"heldBytes", face.heldBytes},
-        {"does", face.does},
+        {"name", face.name},           {"sub", face.sub},   {"age", orNull(face.age)},
+        {"heldBytes", face.heldBytes}, {"does", face.does},
     };
 }
 
@@ -48,7 +48,8 @@ json tree(const Finding& finding, const ProcessIndex& index, const Host& host) {
     const KillTrees* kill = finding.kills();
     if (!kill) return json::array();
     return each(Tree::lines(kill->pids, index, treeLines, host), [](const TreeLine& line) {
-        return json{{"id", line.id}, {"depth", line.depth}, {"last", line.last}, {"label", line.label}, {"mb", line.mb}};
+        return json{
+            {"id", line.id}, {"depth", line.depth}, {"last", line.last}, {"label", line.label}, {"mb", line.mb}};
     });
 }
 
@@ -76,8 +77,10 @@ json finding(const Finding& finding, const Snapshot& snapshot, const ProcessInde
         {"name", Plain::name(finding, card, host)},
         {"sentence", Plain::sentence(finding, card, snapshot, host)},
         {"remedyLabel", orNull(Words::remedyLabel(finding, index))},
-        {"evidenceRows",
-         each(Words::evidence(finding), [](const auto& row) { return json::array({row.first, row.second}); })},
+        {"evidenceRows", each(Words::evidence(finding),
+                              [](const auto& row) {
+                                  return json::array({row.first, row.second});
+                              })},
         {"face", face(card)},
         {"tree", tree(finding, index, host)},
     };
@@ -104,15 +107,9 @@ json sessions(const std::vector<AgentSession>& sessions) {
 
 json rows(const std::vector<ProcRow>& rows) {
     return each(rows, [](const ProcRow& row) {
-        return json{{"id", row.id},
-                    {"command", row.command},
-                    {"mb", row.mb},
-                    {"cpu", row.cpu},
-                    {"age", row.age},
-                    {"pid", orNull(row.pid)},
-                    {"app", orNull(row.app)},
-                    {"tone", word(row.tone)},
-                    {"word", orNull(row.word)}};
+        return json{{"id", row.id},           {"command", row.command}, {"mb", row.mb},
+                    {"cpu", row.cpu},         {"age", row.age},         {"pid", orNull(row.pid)},
+                    {"app", orNull(row.app)}, {"tone", word(row.tone)}, {"word", orNull(row.word)}};
     });
 }
 
@@ -165,8 +162,8 @@ json diagnosis(const Snapshot& snapshot, const ProcessIndex& index, const Host& 
         {"hogs", pidsOf(snapshot.hogs)},
         {"groups", groups(snapshot.groups)},
         {"sessions", sessions(snapshot.sessions)},
-        {"findings", each(snapshot.findings,
-                          [&](const Finding& each) { return finding(each, snapshot, index, host, now); })},
+        {"findings",
+         each(snapshot.findings, [&](const Finding& each) { return finding(each, snapshot, index, host, now); })},
         {"freeable", each(freeable, [](const Finding* each) { return each->id; })},
         {"freeableBytes", snapshot.freeableBytes()},
         {"reclaimableBytes", snapshot.reclaimableBytes()},

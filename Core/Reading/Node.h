@@ -121,8 +121,8 @@ private:
     template <typename Out>
     bool whole(Out& out, std::int64_t low, std::int64_t high, const char* expected) const {
         if (!m_value.is_number_integer()) return fail("expected a whole number");
-        const bool huge = m_value.is_number_unsigned() &&
-                          m_value.get<std::uint64_t>() > static_cast<std::uint64_t>(high);
+        const bool huge =
+            m_value.is_number_unsigned() && m_value.get<std::uint64_t>() > static_cast<std::uint64_t>(high);
         if (huge || m_value.get<std::int64_t>() < low || m_value.get<std::int64_t>() > high) return fail(expected);
         out = static_cast<Out>(m_value.get<std::int64_t>());
         return true;

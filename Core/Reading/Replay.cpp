@@ -35,8 +35,7 @@ json rows(const Capture& capture, const Snapshot& snapshot, const ProcessIndex& 
     const Reading& reading = capture.reading;
     const ProcessRows::Running running(capture.running.begin(), capture.running.end());
     const auto of = [&](Scope scope) {
-        return Json::rows(
-            ProcessRows::rows(snapshot, index, scope, capture.query, running, reading.host, reading.now));
+        return Json::rows(ProcessRows::rows(snapshot, index, scope, capture.query, running, reading.host, reading.now));
     };
     return {{"apps", of(Scope::apps)}, {"leftovers", of(Scope::leftovers)}, {"all", of(Scope::all)}};
 }
@@ -62,8 +61,7 @@ json info(const Snapshot& snapshot, const Reading& reading) {
     json pages = json::object();
     for (const Destination destination : allDestinations) {
         json page = json::array();
-        for (const auto& [heading, text] :
-             InfoText::sections(destination, snapshot, reading.ramBytes, reading.host)) {
+        for (const auto& [heading, text] : InfoText::sections(destination, snapshot, reading.ramBytes, reading.host)) {
             page.push_back(json::array({heading, text}));
         }
         pages[std::string(word(destination))] = std::move(page);
@@ -111,8 +109,8 @@ json replay(const Capture& capture) {
     result["memory"] = Json::memory(MemoryPicture(snapshot, index, reading.ramBytes, topApps, host));
     result["rows"] = rows(capture, snapshot, index);
     result["conditions"] = {{"underPressure", conditions.underPressure}, {"loaded", conditions.loaded}};
-    result["decisions"] = Json::decisions(engine.decide(snapshot, capture.engineHistory, capture.foreground, host,
-                                                        reading.now, reading.now));
+    result["decisions"] = Json::decisions(
+        engine.decide(snapshot, capture.engineHistory, capture.foreground, host, reading.now, reading.now));
     result["notification"] = notification(snapshot);
     result["sections"] = sections(snapshot);
     result["info"] = info(snapshot, reading);

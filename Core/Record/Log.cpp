@@ -33,8 +33,7 @@ bool isSafe(const json& value) {
 
 struct Log::Writer {
     explicit Writer(Options given)
-        : options(std::move(given)),
-          file(options.folder, options.formerFolder, options.createdAt) {
+        : options(std::move(given)), file(options.folder, options.formerFolder, options.createdAt) {
         if (options.enabled) thread = std::thread([this] { run(); });
     }
 

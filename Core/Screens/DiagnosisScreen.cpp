@@ -56,9 +56,8 @@ Screen::BeforeAfter beforeAfter(const MemoryPicture& now, const Host& host) {
     return {.nowHeading = "Now",
             .nowHead = head(now),
             .now = {now, scale},
-            .afterHeading = quitApps.empty()
-                                ? "After Free"
-                                : fmt::format("After Free and quitting {}", fmt::join(quitApps, " and ")),
+            .afterHeading = quitApps.empty() ? "After Free"
+                                             : fmt::format("After Free and quitting {}", fmt::join(quitApps, " and ")),
             .afterHead = head(after),
             .after = {after, scale},
             .legend = legend(now, host)};
@@ -98,8 +97,7 @@ std::vector<Screen::Section> sections(const ScreenInput& input, const DiagnosisS
 }  // namespace
 
 bool DiagnosisState::isDone(const std::string& id) const {
-    return std::ranges::any_of(done,
-                               [&](const Done& entry) { return entry.replacesCard && entry.finding.id == id; });
+    return std::ranges::any_of(done, [&](const Done& entry) { return entry.replacesCard && entry.finding.id == id; });
 }
 
 DiagnosisScreen::DiagnosisScreen(const ScreenInput& input, const MemoryPicture& picture, const DiagnosisState& memory,

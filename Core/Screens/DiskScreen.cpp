@@ -60,8 +60,7 @@ std::vector<Row> rows(const DiskModel& model) {
 }
 
 Ring ring(std::uint64_t free, std::uint64_t capacity) {
-    const double used =
-        capacity > free ? static_cast<double>(capacity - free) / static_cast<double>(capacity) : 0.0;
+    const double used = capacity > free ? static_cast<double>(capacity - free) / static_cast<double>(capacity) : 0.0;
     const int percent = static_cast<int>((1 - used) * 100);
     const std::string gb = Fmt::gbByThousands(capacity);
     return {used, fmt::format("{}%", percent), fmt::format("free of {} GB", gb),

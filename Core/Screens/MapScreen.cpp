@@ -48,8 +48,8 @@ std::string gigabytes(std::uint64_t bytes) { return Fmt::gbByThousands(bytes) + 
 std::string spoken(const Segment& segment, const std::string& share) {
     std::string text = fmt::format("{}, {}, {}", segment.label, gigabytes(segment.bytes), share);
     if (segment.freeBytes > 0) text += fmt::format(", {} ends with Free", Fmt::mb(segment.freeBytes));
-    if (segment.quitBytes > 0) text += fmt::format(", {} GB comes back when you quit it",
-                                                   Fmt::gbByThousands(segment.quitBytes));
+    if (segment.quitBytes > 0)
+        text += fmt::format(", {} GB comes back when you quit it", Fmt::gbByThousands(segment.quitBytes));
     return text;
 }
 
@@ -118,9 +118,8 @@ MapScreen::MapScreen(const ScreenInput& input, const MemoryPicture& picture, con
     }
     value = Fmt::gbByThousands(held);
     unit = "GB";
-    caption = held <= picture.ram
-                  ? fmt::format("of {} used", Fmt::ram(picture.ram))
-                  : fmt::format("{} GB spilled to disk", Fmt::gbByThousands(held - picture.ram));
+    caption = held <= picture.ram ? fmt::format("of {} used", Fmt::ram(picture.ram))
+                                  : fmt::format("{} GB spilled to disk", Fmt::gbByThousands(held - picture.ram));
     ramAt = ring.degrees(picture.ram);
     heldAt = ring.degrees(held);
     panel = panelOf(selected, input, ring, state);

@@ -44,7 +44,16 @@ public:
     /// own and logs only its own deeds.
     enum class Role { watcher, reader };
     enum class Change {
-        snapshot, history, thresholds, interval, shadow, live, suggestions, lastFix, notifications, role
+        snapshot,
+        history,
+        thresholds,
+        interval,
+        shadow,
+        live,
+        suggestions,
+        lastFix,
+        notifications,
+        role
     };
 
     Monitor(Platform& platform, Log& log, Host host, Role role);

@@ -31,8 +31,8 @@ public:
 
 private:
     std::span<const Proc> m_procs;
-    std::vector<std::size_t> m_byParent;               // positions, grouped by parent
-    std::vector<std::pair<Pid, std::size_t>> m_pids;   // sorted by pid, first position of each
+    std::vector<std::size_t> m_byParent;              // positions, grouped by parent
+    std::vector<std::pair<Pid, std::size_t>> m_pids;  // sorted by pid, first position of each
     struct Range {
         Pid parent;
         std::size_t begin;

@@ -20,8 +20,8 @@ Snapshot diagnosed(const Reading& reading) {
     snapshot.hogs = Classifier::hogs(snapshot.processes, snapshot.orphans, reading.limits, trend.busySince,
                                      reading.host, reading.now);
     snapshot.sessions = Classifier::sessions(index, snapshot.orphans, reading.host);
-    snapshot.findings = Diagnoser::diagnose(snapshot, index, reading.limits, reading.ramBytes, reading.keep,
-                                            trend, reading.host, reading.now);
+    snapshot.findings = Diagnoser::diagnose(snapshot, index, reading.limits, reading.ramBytes, reading.keep, trend,
+                                            reading.host, reading.now);
     return snapshot;
 }
 

@@ -72,8 +72,8 @@ void ThresholdField::assign(Thresholds& limits, double value) const {
     if (real) {
         limits.*real = value;
     } else if (!std::isnan(value)) {
-        limits.*whole = static_cast<int>(std::fmin(std::fmax(value, std::numeric_limits<int>::min()),
-                                                   std::numeric_limits<int>::max()));
+        limits.*whole = static_cast<int>(
+            std::fmin(std::fmax(value, std::numeric_limits<int>::min()), std::numeric_limits<int>::max()));
     }
 }
 
@@ -87,9 +87,8 @@ std::string ThresholdField::titleWith(const Nouns& nouns) const {
 }
 
 std::string ThresholdField::hint() const {
-    return fmt::format("Default {} {}", value(Thresholds{}), real == &Thresholds::loadPerCore
-                                                                 ? std::string_view("× its processor cores")
-                                                                 : unit);
+    return fmt::format("Default {} {}", value(Thresholds{}),
+                       real == &Thresholds::loadPerCore ? std::string_view("× its processor cores") : unit);
 }
 
 const std::array<ThresholdField, 7>& thresholdFields() {
@@ -100,8 +99,7 @@ const std::array<ThresholdField, 7>& thresholdFields() {
         {"memoryFreePct", "Free memory below", "%", 1, 99, nullptr, &T::memoryFreePct},
         {"diskFreeGB", "Free disk space below", "GB", 1, 1000, &T::diskFreeGB},
         {"loadPerCore", "Mac busier than", "× cores", 0.5, 16, &T::loadPerCore},
-        {"orphanMinHours", "Left running after its window closed, for more than", "h", 0.25, 168,
-         &T::orphanMinHours},
+        {"orphanMinHours", "Left running after its window closed, for more than", "h", 0.25, 168, &T::orphanMinHours},
         {"hogCPUPercent", "Using the processor this hard for over an hour", "%", 5, 800, &T::hogCPUPercent},
     }};
     return fields;

@@ -13,13 +13,13 @@ namespace ravik {
 
 /// The user's limits. Stored as one JSON object with exactly these keys.
 struct Thresholds {
-    double swapGB = 8.0;            // GiB
-    double swapOutMBps = 5.0;       // MiB a second
-    int memoryFreePct = 15;         // percent
-    double diskFreeGB = 15.0;       // GiB
+    double swapGB = 8.0;       // GiB
+    double swapOutMBps = 5.0;  // MiB a second
+    int memoryFreePct = 15;    // percent
+    double diskFreeGB = 15.0;  // GiB
     double loadPerCore = 2.0;
     double orphanMinHours = 1.0;
-    double hogCPUPercent = 50.0;    // percent of one core
+    double hogCPUPercent = 50.0;  // percent of one core
     double hogMinHours = 1.0;
     bool autoEndLeftovers = false;
     double autoLeftoverMinHours = 1.0;

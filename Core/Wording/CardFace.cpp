@@ -108,7 +108,8 @@ CardFace::CardFace(const Finding& finding, const Snapshot& snapshot, const Proce
     if (subject.root) {
         age = now - subject.root->started;
     } else if (subject.group) {
-        for (const Proc& proc : subject.group->processes) age = std::max(age.value_or(now - proc.started), now - proc.started);
+        for (const Proc& proc : subject.group->processes)
+            age = std::max(age.value_or(now - proc.started), now - proc.started);
     }
     does = doing(finding, subject.count);
     describe(finding, snapshot, subject, host);

@@ -116,9 +116,8 @@ Sections history(const Host& host) {
          "Each band is an app's memory through time, scaled to that app, so its shape reads. Hover the chart for the "
          "exact numbers at any hour."},
         {"Left running", "Bars show how long each left-running program lived, and end where Ravik ended it."},
-        {"Where this comes from",
-         fmt::format("Ravik's own log on this {}, averaged per hour. Nothing leaves {}.", nouns.machine,
-                     nouns.yourMachine)},
+        {"Where this comes from", fmt::format("Ravik's own log on this {}, averaged per hour. Nothing leaves {}.",
+                                              nouns.machine, nouns.yourMachine)},
     };
 }
 

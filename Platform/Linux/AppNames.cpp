@@ -66,7 +66,8 @@ AppNames::Folders AppNames::Folders::fromEnvironment() {
             folders.applications.push_back(std::move(entries));
         }
     };
-    for (const fs::path& data : splitPaths(std::getenv("XDG_DATA_HOME"), (base + "/.local/share").c_str())) addData(data);
+    for (const fs::path& data : splitPaths(std::getenv("XDG_DATA_HOME"), (base + "/.local/share").c_str()))
+        addData(data);
     for (const fs::path& data : splitPaths(std::getenv("XDG_DATA_DIRS"), "/usr/local/share:/usr/share")) addData(data);
     // A session started from elsewhere does not have these among its own.
     addData(base + "/.local/share/flatpak/exports/share");
@@ -81,8 +82,8 @@ AppNames::AppNames(Folders folders, std::string procRoot)
 
 void AppNames::refresh() {
     const bool isSame = m_isBuilt && std::ranges::all_of(m_stamps, [](const Stamp& stamp) {
-        return stamp == Stamp{stamp.folder, changedAt(stamp.folder).value_or(timespec{})};
-    });
+                            return stamp == Stamp{stamp.folder, changedAt(stamp.folder).value_or(timespec{})};
+                        });
     if (!isSame) build();
 }
 
@@ -102,7 +103,8 @@ void AppNames::addFolder(const fs::path& root, const fs::path& folder) {
     const ProgramFiles files{[this](const std::string& program) { return find(m_folders.programs, program); }, resolve};
     std::error_code error;
     std::vector<fs::path> paths;
-    for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) paths.push_back(at->path());
+    for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error))
+        paths.push_back(at->path());
     std::ranges::sort(paths);
     for (const fs::path& path : paths) {
         if (path.extension() == ".desktop") {

@@ -75,7 +75,8 @@ private:
         std::filesystem::path folder;
         timespec changed{};
         friend bool operator==(const Stamp& a, const Stamp& b) {
-            return a.folder == b.folder && a.changed.tv_sec == b.changed.tv_sec && a.changed.tv_nsec == b.changed.tv_nsec;
+            return a.folder == b.folder && a.changed.tv_sec == b.changed.tv_sec &&
+                   a.changed.tv_nsec == b.changed.tv_nsec;
         }
     };
 

@@ -17,11 +17,11 @@ const Names& foreignStarters() {
         "busybox", "rbash",
         // terminals and multiplexers
         "gnome-terminal-server", "gnome-terminal", "kgx", "gnome-console", "ptyxis", "ptyxis-agent", "konsole",
-        "yakuake", "xterm", "uxterm", "lxterm", "alacritty", "kitty", "foot", "footserver", "wezterm",
-        "wezterm-gui", "wezterm-mux-server", "terminator", "tilix", "guake", "tilda", "terminology", "ghostty",
-        "xfce4-terminal", "lxterminal", "qterminal", "mate-terminal", "deepin-terminal", "urxvt", "urxvtd", "rxvt",
-        "st", "rio", "cool-retro-term", "tabby", "hyper", "warp-terminal", "blackbox", "sakura", "termite", "tmux",
-        "tmux: server", "screen", "zellij", "login", "sshd", "sshd-session", "mosh-server", "su", "sudo",
+        "yakuake", "xterm", "uxterm", "lxterm", "alacritty", "kitty", "foot", "footserver", "wezterm", "wezterm-gui",
+        "wezterm-mux-server", "terminator", "tilix", "guake", "tilda", "terminology", "ghostty", "xfce4-terminal",
+        "lxterminal", "qterminal", "mate-terminal", "deepin-terminal", "urxvt", "urxvtd", "rxvt", "st", "rio",
+        "cool-retro-term", "tabby", "hyper", "warp-terminal", "blackbox", "sakura", "termite", "tmux", "tmux: server",
+        "screen", "zellij", "login", "sshd", "sshd-session", "mosh-server", "su", "sudo",
         // session managers, compositors, panels and launchers
         "systemd", "init", "gnome-session-binary", "gnome-session", "gnome-session-service",
         "gnome-session-init-worker", "gnome-shell", "mutter", "ksmserver", "plasma_session", "startplasma-x11",
@@ -31,8 +31,8 @@ const Names& foreignStarters() {
         "hyprland", "i3", "openbox", "openbox-session", "fluxbox", "awesome", "bspwm", "dwm", "qtile", "xmonad",
         "river", "niri", "labwc", "wayfire", "weston", "rofi", "wofi", "fuzzel", "dmenu", "ulauncher", "xinit",
         "startx", "sddm", "sddm-helper", "gdm", "gdm3", "gdm-session-worker", "gdm-x-session", "gdm-wayland-session",
-        "lightdm", "dbus-daemon", "dbus-broker", "dbus-broker-launch", "dbus-run-session", "xdg-desktop-portal",
-        "cron", "atd", "supervisord"};
+        "lightdm", "dbus-daemon", "dbus-broker", "dbus-broker-launch", "dbus-run-session", "xdg-desktop-portal", "cron",
+        "atd", "supervisord"};
     return names;
 }
 

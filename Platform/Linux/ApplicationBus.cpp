@@ -226,12 +226,11 @@ bool ApplicationBus::canStart() {
     return g_strv_contains(names.get(), busName);
 }
 
-ApplicationBus::Delivery ApplicationBus::send(const Activation& asked,
-                                              const std::map<std::string, std::string>& tokens, bool start) {
+ApplicationBus::Delivery ApplicationBus::send(const Activation& asked, const std::map<std::string, std::string>& tokens,
+                                              bool start) {
     if (!m_state->connect()) return Delivery::nobody;
     GVariant* data = platformData(tokens);
-    GVariant* arguments =
-        asked.action.empty() ? g_variant_new("(@a{sv})", data) : actionArguments(asked, data);
+    GVariant* arguments = asked.action.empty() ? g_variant_new("(@a{sv})", data) : actionArguments(asked, data);
     GError* failure = nullptr;
     const Variant answer(g_dbus_connection_call_sync(
         m_state->bus, busName, objectPath, application, asked.action.empty() ? "Activate" : "ActivateAction", arguments,

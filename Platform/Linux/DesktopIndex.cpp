@@ -11,17 +11,23 @@ namespace ravik::platform {
 
 namespace {
 
-constexpr std::array<std::string_view, 8> applicationRoots{"/opt/",       "/usr/lib/",       "/usr/lib64/",
-                                                           "/usr/share/", "/usr/libexec/",   "/usr/local/lib/",
-                                                           "/usr/local/share/", "/usr/local/libexec/"};
+constexpr std::array<std::string_view, 8> applicationRoots{
+    "/opt/",         "/usr/lib/",       "/usr/lib64/",       "/usr/share/",
+    "/usr/libexec/", "/usr/local/lib/", "/usr/local/share/", "/usr/local/libexec/"};
 
 // Below the roots, but many programs' common ground.
-constexpr std::array<std::string_view, 9> sharedFolders{"jvm",     "python", "node_modules", "nodejs", "systemd",
-                                                        "git-core", "llvm",   "go",          "applications"};
+constexpr std::array<std::string_view, 9> sharedFolders{"jvm",      "python", "node_modules", "nodejs",      "systemd",
+                                                        "git-core", "llvm",   "go",           "applications"};
 
-constexpr std::array<std::string_view, 18> startsOthers{
-    "env",     "flatpak",     "snap",   "xdg-open", "gio",  "gtk-launch",   "dbus-launch", "dbus-run-session", "exo-open",
-    "wine",    "wine64",      "pkexec", "sudo",     "gksu", "systemctl",    "systemd-run", "kioclient",        "x-terminal-emulator"};
+constexpr std::array<std::string_view, 18> startsOthers{"env",         "flatpak",
+                                                        "snap",        "xdg-open",
+                                                        "gio",         "gtk-launch",
+                                                        "dbus-launch", "dbus-run-session",
+                                                        "exo-open",    "wine",
+                                                        "wine64",      "pkexec",
+                                                        "sudo",        "gksu",
+                                                        "systemctl",   "systemd-run",
+                                                        "kioclient",   "x-terminal-emulator"};
 
 constexpr std::size_t imagePrefix = 6;
 

@@ -131,9 +131,8 @@ void DesktopNotifier::queryDenied(std::function<void(bool)> answer) {
         answer(true);
         return;
     }
-    call(m_bus, "GetServerInformation", nullptr, "(ssss)", [answer = std::move(answer), isOff = m_isOff](GVariant* reply) {
-        answer(!reply || (isOff && isOff()));
-    });
+    call(m_bus, "GetServerInformation", nullptr, "(ssss)",
+         [answer = std::move(answer), isOff = m_isOff](GVariant* reply) { answer(!reply || (isOff && isOff())); });
 }
 
 void DesktopNotifier::onSignal(GDBusConnection*, const char*, const char*, const char*, const char* signal,

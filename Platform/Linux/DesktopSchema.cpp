@@ -24,8 +24,8 @@ public:
         m_settings = g_settings_new_full(m_schema, nullptr, nullptr);
         m_handler = g_signal_connect(m_settings, "changed", G_CALLBACK(&Settings::hear), this);
         // Changes of what has never been read are not told.
-        for (const char* key : {"color-scheme", "gtk-theme", "enable-animations", "text-scaling-factor",
-                                "high-contrast"}) {
+        for (const char* key :
+             {"color-scheme", "gtk-theme", "enable-animations", "text-scaling-factor", "high-contrast"}) {
             get(key, G_VARIANT_TYPE_ANY);
         }
     }

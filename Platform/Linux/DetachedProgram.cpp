@@ -38,8 +38,7 @@ public:
         sigfillset(&all);
         posix_spawnattr_setsigmask(&attributes, &none);
         posix_spawnattr_setsigdefault(&attributes, &all);
-        posix_spawnattr_setflags(&attributes,
-                                 POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
         posix_spawn_file_actions_init(&files);
         posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
@@ -88,8 +87,8 @@ std::optional<std::string> startDetached(const std::vector<std::string>& words, 
     arguments.push_back(nullptr);
     const Detachment detachment(at);
     pid_t child = 0;
-    const int failed = posix_spawn(&child, arguments[0], &detachment.files, &detachment.attributes, arguments.data(),
-                                   environ);
+    const int failed =
+        posix_spawn(&child, arguments[0], &detachment.files, &detachment.attributes, arguments.data(), environ);
     if (failed != 0) return std::string(std::strerror(failed));
     return earlyEnd(child);
 }

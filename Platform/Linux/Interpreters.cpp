@@ -28,7 +28,8 @@ const std::vector<Family>& families() {
         {{"java"}, {"-cp", "-classpath", "--class-path", "-p", "--module-path", "--add-modules"}, {"-m", "--module"}},
         {{"sh", "bash", "dash", "zsh", "ksh", "fish"}, {"-o", "-O", "+o", "+O"}, {"-c"}},
         {{"ruby", "jruby", "perl"}, {"-I", "-r"}, {"-e", "-E"}},
-        {{"php", "lua", "luajit", "mono", "gjs", "gjs-console", "cjs", "dotnet", "R", "Rscript", "guile", "tclsh", "wish"},
+        {{"php", "lua", "luajit", "mono", "gjs", "gjs-console", "cjs", "dotnet", "R", "Rscript", "guile", "tclsh",
+          "wish"},
          {},
          {"-e", "-r", "-c"}},
     };

@@ -54,9 +54,9 @@ public:
           m_appearance(appearanceOptions()),
           m_loginItem(configFolders(variables(), m_folders.home), [this] { return desktopProgram(); }),
           m_levers(m_signals, leverOptions()),
-          m_platform{m_processes, m_machine,    m_signals,      m_levers,     m_services,   *m_workspace, m_notifier,
-                     m_settings,  m_trash,      m_loop,         m_clock,      m_watchLock,  m_archive,    m_crashReports,
-                     m_fileViewer, m_desktopApp, m_appearance,  m_loginItem,  m_folders} {}
+          m_platform{m_processes,  m_machine,    m_signals,    m_levers,    m_services,  *m_workspace, m_notifier,
+                     m_settings,   m_trash,      m_loop,       m_clock,     m_watchLock, m_archive,    m_crashReports,
+                     m_fileViewer, m_desktopApp, m_appearance, m_loginItem, m_folders} {}
 
     Platform& platform() override { return m_platform; }
     Terminal& terminal() override { return m_terminal; }

@@ -39,8 +39,12 @@ std::int64_t bootTimeOf(const ProcFolder& proc) {
 }  // namespace
 
 LinuxProcessTable::LinuxProcessTable(const Clock& clock, Options options)
-    : m_clock(clock), m_options(std::move(options)), m_proc(m_options.root), m_swaps(m_proc.open("swaps")),
-      m_pageBytes(static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE))), m_boot(bootTimeOf(m_proc)) {
+    : m_clock(clock),
+      m_options(std::move(options)),
+      m_proc(m_options.root),
+      m_swaps(m_proc.open("swaps")),
+      m_pageBytes(static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE))),
+      m_boot(bootTimeOf(m_proc)) {
     const rlim_t limit = raiseDescriptorLimit();
     const std::size_t room = limit > spareDescriptors ? limit - spareDescriptors : 0;
     m_options.keptDescriptors = m_proc.isLive() ? std::min(m_options.keptDescriptors, room) : 0;
@@ -288,8 +292,10 @@ void LinuxProcessTable::take(Entry& entry, const ProcStatm& statm) {
     entry.anonymousPages = pages;
     entry.hasMemory = statm.hasMemory();
     entry.swapLooked = m_swapMoves;
-    if (m_swapUsed == 0) entry.swapBytes = 0;
-    else if (moved && entry.swapSeen != m_swapMoves) readSwap(entry);
+    if (m_swapUsed == 0)
+        entry.swapBytes = 0;
+    else if (moved && entry.swapSeen != m_swapMoves)
+        readSwap(entry);
     entry.reading.footprintBytes = pages * m_pageBytes + entry.swapBytes;
 }
 

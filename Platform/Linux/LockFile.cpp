@@ -68,7 +68,8 @@ bool LockFile::openFolder(Descriptor& folder) {
 
 bool LockFile::openFile(const Descriptor& folder, Descriptor& file) {
     m_why = "the lock file cannot be opened";
-    file = Descriptor(openat(folder.get(), m_file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
+    file =
+        Descriptor(openat(folder.get(), m_file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
     struct stat found {};
     if (!file || fstat(file.get(), &found) != 0) return false;
     m_why = "the lock file is somebody else's";

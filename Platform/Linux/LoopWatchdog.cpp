@@ -141,7 +141,7 @@ struct LoopWatchdog::Guard {
     const Descriptor timer;
     GPollFunc pollBefore = nullptr;
 
-    std::mutex mutex;  // guards what follows, and the setting of the timer
+    std::mutex mutex;      // guards what follows, and the setting of the timer
     double busySince = 0;  // 0: it waits
     double deadline = 0;
     std::optional<int> hang;

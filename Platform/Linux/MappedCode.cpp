@@ -28,8 +28,7 @@ std::vector<AddressRange> mappedCode(std::string_view maps) {
         // [vdso] and what has no name are not mapped from a file.
         if (line.find(" /") == line.npos) continue;
         // What QML compiles for itself is written into a file in memory, and what a driver maps is its own: neither would come back.
-        if (line.find(" /memfd:") != line.npos || line.find(" /dev/") != line.npos ||
-            line.ends_with(" (deleted)")) {
+        if (line.find(" /memfd:") != line.npos || line.find(" /dev/") != line.npos || line.ends_with(" (deleted)")) {
             continue;
         }
         AddressRange range;

@@ -3,7 +3,6 @@
 #include <malloc.h>
 #include <sys/mman.h>
 
-
 #include "Platform/Linux/MappedCode.h"
 #include "Platform/Linux/ReadFile.h"
 

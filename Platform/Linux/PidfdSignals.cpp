@@ -134,8 +134,7 @@ void PidfdSignals::sleep(double seconds) const {
     if (!(seconds > 0)) return;
     const double whole = std::floor(std::min(seconds, longestWait));
     timespec left{static_cast<time_t>(whole), static_cast<long>((std::min(seconds, longestWait) - whole) * 1e9)};
-    while (clock_nanosleep(CLOCK_MONOTONIC, 0, &left, &left) == EINTR) {
-    }
+    while (clock_nanosleep(CLOCK_MONOTONIC, 0, &left, &left) == EINTR) {}
 }
 
 }  // namespace ravik::platform

@@ -49,8 +49,7 @@ Pid pidOf(const char* name) {
 
 }  // namespace
 
-ProcFolder::ProcFolder(const std::string& root)
-    : m_folder(::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+ProcFolder::ProcFolder(const std::string& root) : m_folder(::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
     struct statfs system {};
     m_isLive = m_folder && fstatfs(m_folder.get(), &system) == 0 && system.f_type == PROC_SUPER_MAGIC;
 }

@@ -63,9 +63,7 @@ DiagnosticPayload payloadOf(const Report& report, std::string_view text) {
 }
 
 /// Marks this run's reports: when it began, and its pid.
-std::string markOfRun() {
-    return fmt::format("{:%Y%m%dT%H%M%SZ}-{}", fmt::gmtime(std::time(nullptr)), getpid());
-}
+std::string markOfRun() { return fmt::format("{:%Y%m%dT%H%M%SZ}-{}", fmt::gmtime(std::time(nullptr)), getpid()); }
 
 }  // namespace
 

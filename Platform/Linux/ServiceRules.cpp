@@ -19,9 +19,9 @@ std::string_view programOf(const Proc& proc) {
 bool isFamilyName(std::string_view name) {
     // "tmux: server" is what the kernel calls it.
     name = name.substr(0, name.find_first_of(": "));
-    static constexpr std::array<std::string_view, 12> names{
-        "tmux",      "screen",    "SCREEN",      "zellij",      "mosh-server", "sshd",
-        "ssh-agent", "gpg-agent", "dbus-daemon", "dbus-broker", "conmon",      "code-server"};
+    static constexpr std::array<std::string_view, 12> names{"tmux",        "screen",      "SCREEN",    "zellij",
+                                                            "mosh-server", "sshd",        "ssh-agent", "gpg-agent",
+                                                            "dbus-daemon", "dbus-broker", "conmon",    "code-server"};
     return std::ranges::find(names, name) != names.end() || name.starts_with("containerd-shim") ||
            name.starts_with("sshd-");
 }

@@ -26,8 +26,8 @@ bool isPlayer(std::string_view name) { return name.starts_with(std::string(playe
 /// The desktop entry of a name: KDE adds the pid to it.
 std::string entryOf(std::string name) {
     const std::size_t dash = name.rfind('-');
-    const bool numbered = dash != name.npos && dash + 1 < name.size() &&
-                          name.find_first_not_of("0123456789", dash + 1) == name.npos;
+    const bool numbered =
+        dash != name.npos && dash + 1 < name.size() && name.find_first_not_of("0123456789", dash + 1) == name.npos;
     if (numbered) name.resize(dash);
     return name + ".desktop";
 }
@@ -67,8 +67,8 @@ struct SessionBus::Connection {
 
     std::vector<std::string> names() const {
         std::vector<std::string> found;
-        const Variant answer = call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                                    "ListNames", nullptr, "(as)");
+        const Variant answer =
+            call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ListNames", nullptr, "(as)");
         if (!answer) return found;
         GVariantIter* each = nullptr;
         const char* name = nullptr;
@@ -96,18 +96,18 @@ struct SessionBus::Connection {
         const Variant list(g_variant_get_child_value(answer.get(), 0), g_variant_unref);
         gsize count = 0;
         const gchar** actions = g_variant_get_strv(list.get(), &count);
-        const bool offered = std::any_of(actions, actions + count, [](const gchar* action) {
-            return std::string_view(action) == "quit";
-        });
+        const bool offered = std::any_of(actions, actions + count,
+                                         [](const gchar* action) { return std::string_view(action) == "quit"; });
         g_free(actions);
-        return offered && send(name, path, "org.gtk.Actions", "Activate",
-                               g_variant_new("(s@av@a{sv})", "quit", g_variant_new_array(G_VARIANT_TYPE_VARIANT, nullptr, 0),
-                                             g_variant_new_array(G_VARIANT_TYPE("{sv}"), nullptr, 0)));
+        return offered &&
+               send(name, path, "org.gtk.Actions", "Activate",
+                    g_variant_new("(s@av@a{sv})", "quit", g_variant_new_array(G_VARIANT_TYPE_VARIANT, nullptr, 0),
+                                  g_variant_new_array(G_VARIANT_TYPE("{sv}"), nullptr, 0)));
     }
 
     bool quitMainApplication(const std::string& name) const {
-        const Variant answer = call(name, "/MainApplication", "org.freedesktop.DBus.Introspectable", "Introspect",
-                                    nullptr, "(s)");
+        const Variant answer =
+            call(name, "/MainApplication", "org.freedesktop.DBus.Introspectable", "Introspect", nullptr, "(s)");
         if (!answer) return false;
         const char* xml = nullptr;
         g_variant_get(answer.get(), "(&s)", &xml);

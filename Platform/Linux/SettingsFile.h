@@ -34,7 +34,7 @@ private:
     std::filesystem::path m_path;  // behind a symbolic link, so that the link stays one
     FileStamp m_read;              // what m_values holds
     std::unique_ptr<nlohmann::json> m_values;
-    FileStamp m_known;             // the last state that was ours or that changed() has told
+    FileStamp m_known;  // the last state that was ours or that changed() has told
     bool m_changed = false;
 };
 

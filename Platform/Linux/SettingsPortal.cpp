@@ -112,8 +112,8 @@ void SettingsPortal::State::arrived(GObject* source, GAsyncResult* result, gpoin
 
 void SettingsPortal::State::readLater() {
     g_dbus_connection_call(bus, portal, portalPath, settingsInterface, "ReadAll", question(),
-                           G_VARIANT_TYPE("(a{sa{sv}})"), G_DBUS_CALL_FLAGS_NONE, latePatience, nullptr, &State::arrived,
-                           new std::shared_ptr<State*>(self));
+                           G_VARIANT_TYPE("(a{sa{sv}})"), G_DBUS_CALL_FLAGS_NONE, latePatience, nullptr,
+                           &State::arrived, new std::shared_ptr<State*>(self));
 }
 
 void SettingsPortal::State::appeared(GDBusConnection*, const char*, const char*, gpointer data) {
@@ -139,9 +139,9 @@ std::unique_ptr<SettingsPortal> SettingsPortal::open(const std::string& address,
     state->changed = std::move(changed);
     state->self = std::make_shared<State*>(state.get());
     // Changes are heard of from before the first reading on.
-    state->subscription = g_dbus_connection_signal_subscribe(bus, portal, settingsInterface, "SettingChanged",
-                                                             portalPath, nullptr, G_DBUS_SIGNAL_FLAGS_NONE,
-                                                             &State::hear, state.get(), nullptr);
+    state->subscription =
+        g_dbus_connection_signal_subscribe(bus, portal, settingsInterface, "SettingChanged", portalPath, nullptr,
+                                           G_DBUS_SIGNAL_FLAGS_NONE, &State::hear, state.get(), nullptr);
     GError* failure = nullptr;
     const Variant answer(g_dbus_connection_call_sync(bus, portal, portalPath, settingsInterface, "ReadAll",
                                                      State::question(), G_VARIANT_TYPE("(a{sa{sv}})"),

@@ -114,8 +114,8 @@ private:
     bool supports(xcb_atom_t hint) {
         xcb_window_t manager = 0;
         const auto check = xcb_ewmh_get_supporting_wm_check(&m_x->ewmh(), m_x->root());
-        const auto hints = xcb_get_property(m_x->get(), 0, m_x->root(), m_x->ewmh()._NET_SUPPORTED, XCB_ATOM_ATOM, 0,
-                                            1024);
+        const auto hints =
+            xcb_get_property(m_x->get(), 0, m_x->root(), m_x->ewmh()._NET_SUPPORTED, XCB_ATOM_ATOM, 0, 1024);
         const bool managed =
             xcb_ewmh_get_supporting_wm_check_reply(&m_x->ewmh(), check, &manager, nullptr) && manager != 0;
         return holdsAtom(hints, hint) && managed;

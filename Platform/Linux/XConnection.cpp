@@ -35,8 +35,7 @@ xcb_res_query_client_ids_cookie_t askClient(xcb_connection_t* connection, std::u
 }
 
 Pid clientOf(xcb_connection_t* connection, xcb_res_query_client_ids_cookie_t cookie) {
-    const XReply<xcb_res_query_client_ids_reply_t> reply(
-        xcb_res_query_client_ids_reply(connection, cookie, nullptr));
+    const XReply<xcb_res_query_client_ids_reply_t> reply(xcb_res_query_client_ids_reply(connection, cookie, nullptr));
     if (!reply) return 0;
     for (auto at = xcb_res_query_client_ids_ids_iterator(reply.get()); at.rem > 0; xcb_res_client_id_value_next(&at)) {
         if (const Pid pid = localPid(at.data); pid > 0) return pid;

@@ -46,8 +46,8 @@ private:
     void findManager() {
         // Between the question and the wish to hear of it, the manager must not go unseen.
         xcb_grab_server(m_x->get());
-        const XReply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
-            m_x->get(), xcb_get_selection_owner(m_x->get(), m_selection), nullptr));
+        const XReply<xcb_get_selection_owner_reply_t> owner(
+            xcb_get_selection_owner_reply(m_x->get(), xcb_get_selection_owner(m_x->get(), m_selection), nullptr));
         m_owner = owner ? owner->owner : static_cast<xcb_window_t>(XCB_WINDOW_NONE);
         if (m_owner) listen(m_owner, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
         xcb_ungrab_server(m_x->get());

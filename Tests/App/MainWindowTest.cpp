@@ -126,8 +126,7 @@ TEST_P(EveryLook, NoWordIsCutOff) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, EveryLook,
-                         testing::Combine(testing::Values(820, 960, 1600), testing::Values(1.0, 2.0),
-                                          testing::Bool()));
+                         testing::Combine(testing::Values(820, 960, 1600), testing::Values(1.0, 2.0), testing::Bool()));
 
 }  // namespace
 }  // namespace ravik::app

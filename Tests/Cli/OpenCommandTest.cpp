@@ -24,8 +24,9 @@ TEST_F(OpenCommand, SaysWhatItExpects) {
     for (const char* word : {"Disk", "settings", "", "disk "}) {
         const Result result = call({"open", word});
         EXPECT_EQ(result.status, wrongWords);
-        EXPECT_EQ(result.err, "ravik open: DESTINATION: expected one of diagnosis, sessions, processes, disk, history, "
-                              "autopilot\n");
+        EXPECT_EQ(result.err,
+                  "ravik open: DESTINATION: expected one of diagnosis, sessions, processes, disk, history, "
+                  "autopilot\n");
     }
     EXPECT_EQ(call({"open", "disk", "history"}).status, wrongWords);
     EXPECT_TRUE(machine.desktopApp.opened.empty());

@@ -21,8 +21,13 @@ using testing::StartsWith;
 class RealBrowser : public EndToEnd {
 protected:
     Pid browse(const std::vector<std::string>& more) {
-        std::vector<std::string> words{RAVIK_CHROMIUM, "--headless", "--no-sandbox", "--disable-gpu",
-                                       "--disable-dev-shm-usage", "--no-first-run", "--remote-debugging-port=0"};
+        std::vector<std::string> words{RAVIK_CHROMIUM,
+                                       "--headless",
+                                       "--no-sandbox",
+                                       "--disable-gpu",
+                                       "--disable-dev-shm-usage",
+                                       "--no-first-run",
+                                       "--remote-debugging-port=0"};
         words.insert(words.end(), more.begin(), more.end());
         words.emplace_back("about:blank");
         return start(words, home.environment());

@@ -51,7 +51,8 @@ int exitStatus(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : 12
 int first(const std::function<int()>& work) {
     // Killed with whoever started the tests, a timeout included.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return refused("mounts cannot be made private");
+    if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+        return refused("mounts cannot be made private");
     if (mount("proc", "/proc", "proc", 0, nullptr) != 0) return refused("its /proc cannot be mounted");
     const pid_t tests = fork();
     if (tests == 0) {
@@ -78,8 +79,7 @@ int isolated(const std::function<int()>& work) {
     if (init < 0) return refused("nothing can be started in it");
     if (init == 0) _exit(first(work));
     int status = 0;
-    while (waitpid(init, &status, 0) < 0 && errno == EINTR) {
-    }
+    while (waitpid(init, &status, 0) < 0 && errno == EINTR) {}
     return exitStatus(status);
 }
 
@@ -111,8 +111,7 @@ std::string othersRunning() {
 void endOthers() {
     if (!inside) return;
     forOthers([](const Proc& proc) { kill(proc.id, SIGKILL); });
-    while (waitpid(-1, nullptr, WNOHANG) > 0) {
-    }
+    while (waitpid(-1, nullptr, WNOHANG) > 0) {}
 }
 
 }  // namespace ravik::endtoend

@@ -145,9 +145,9 @@ TEST_F(RealKiller, EndsAStoppedTreePolitely) {
     const std::vector<Proc> procs = scan();
     ASSERT_TRUE(waitUntil([&] {
         return std::ranges::count_if(procs, [&](const Proc& proc) {
-            const auto process = signals.verify(proc);
-            return process && signals.stopped(*process);
-        }) == 2;
+                   const auto process = signals.verify(proc);
+                   return process && signals.stopped(*process);
+               }) == 2;
     }));
     EXPECT_THAT(killTree(*root, procs), IsEmpty());
     EXPECT_EQ(root->end, Life::ended);
@@ -172,9 +172,7 @@ TEST_F(RealKiller, ZombieThatNobodyReapsHasGone) {
 }
 
 TEST_F(RealKiller, LeavesAnotherUsersChildAlone) {
-    const Life* root = begin(Nature::polite, [&] {
-        lives.begin(Nature::polite, becomeAnother);
-    });
+    const Life* root = begin(Nature::polite, [&] { lives.begin(Nature::polite, becomeAnother); });
     const Life& child = lives.at(1);
     EXPECT_THAT(killTree(*root, asAnothers(child, scan())), IsEmpty());
     EXPECT_EQ(root->end, Life::ended);
@@ -191,8 +189,7 @@ TEST_F(RealKiller, LeavesAnotherUsersRootAndItsChildrenAlone) {
     EXPECT_THAT(killTree(*root, procs), ElementsAre(root->pid.load()));
     const EndResult result = end(*root, procs);
     ASSERT_TRUE(std::holds_alternative<Refused>(result));
-    EXPECT_EQ(std::get<Refused>(result).reason,
-              "[65534] ravik-end-to-end-tests is not yours: listed, never ended");
+    EXPECT_EQ(std::get<Refused>(result).reason, "[65534] ravik-end-to-end-tests is not yours: listed, never ended");
     EXPECT_EQ(root->terms + lives.at(1).terms, 0);
     EXPECT_EQ(living().size(), 2u);
 }

@@ -115,7 +115,8 @@ TEST_F(Leftovers, ADatabaseHasNoButton) {
 
 TEST_F(Leftovers, AnInstallationIsNeverOffered) {
     const std::string npm = home.idle("npm") + " install left-pad";
-    const Pid terminal = start({home.shell("bash"), "-c", fmt::format("{} -c '{} & wait' & wait", home.shell("sh"), npm)});
+    const Pid terminal =
+        start({home.shell("bash"), "-c", fmt::format("{} -c '{} & wait' & wait", home.shell("sh"), npm)});
     const Pid child = find(npm);
     const Pid root = reaper.add(readProc(child)->ppid);
     ASSERT_NE(root, terminal);
@@ -141,8 +142,8 @@ TEST_F(Leftovers, AKeptOneTurnsIntoAdvice) {
     EXPECT_EQ(finding(diagnosis, "leftovers"), Json());
     Json found = finding(diagnosis, fmt::format("orphan:{}", child));
     EXPECT_EQ(found["severity"], "info");
-    EXPECT_EQ(found["remedy"], Json({{"kind", "advice"},
-                                     {"text", "Remove it from Settings › Kept running to let Free end it again."}}));
+    EXPECT_EQ(found["remedy"],
+              Json({{"kind", "advice"}, {"text", "Remove it from Settings › Kept running to let Free end it again."}}));
     EXPECT_EQ(found["neverReason"], "on your Keep list — you asked Ravik to leave it running");
     EXPECT_EQ(run(home, {"free", "--yes"}).status, 0);
     EXPECT_TRUE(lives(child));
@@ -153,8 +154,8 @@ TEST_F(Leftovers, OfAToolThatEndedInAnOpenTerminalAreNamed) {
     const Pid terminal = reaper.add(forkChild([&] {
         setsid();
         const std::string shell = home.shell("bash");
-        const std::string words = fmt::format("{} -c '{} & wait' & wait; exec {} prompt",
-                                              home.shell("claude"), helper, node);
+        const std::string words =
+            fmt::format("{} -c '{} & wait' & wait; exec {} prompt", home.shell("claude"), helper, node);
         execl(shell.c_str(), shell.c_str(), "-c", words.c_str(), nullptr);
     }));
     const Pid child = find(helper);

@@ -73,7 +73,8 @@ TEST_F(Record, OfABatchHoldsTheQuestionTheRemedyAndTheBatch) {
     EXPECT_EQ(batch["survivors"], Json::array());
     EXPECT_EQ(batch["refused"], Json::array());
     // One that does not watch writes no more than its own deeds.
-    for (const char* kind : {"tick", "finding", "diagnosis", "launch", "self"}) EXPECT_TRUE(home.logLines(kind).empty());
+    for (const char* kind : {"tick", "finding", "diagnosis", "launch", "self"})
+        EXPECT_TRUE(home.logLines(kind).empty());
 }
 
 TEST_F(Record, OfOneFixCountsTheTree) {
@@ -117,23 +118,24 @@ TEST_F(Record, OfTheLastFixSurvivesARestart) {
     EXPECT_EQ(run(home, {"free", "--yes"}).out, "Nothing is safe to end in one click.\n");
 
     EXPECT_EQ(platform::inChild([&] {
-        for (const std::string& variable : home.environment()) putenv(const_cast<char*>(variable.c_str()));
-        const auto computer = makeComputer({.groupOf = [](const Proc&) { return std::string(); },
-                                            .isToolHelper = [](std::string_view) { return false; }},
-                                           "test");
-        Log::Options options;
-        options.folder = computer->platform().folders.log;
-        Log log(options);
-        Host host;
-        host.uid = computer->uid();
-        const Monitor monitor(computer->platform(), log, host, Monitor::Role::reader);
-        EXPECT_TRUE(monitor.lastFix().has_value());
-        if (monitor.lastFix()) {
-            EXPECT_EQ(monitor.lastFix()->line, line);
-            EXPECT_NEAR(monitor.lastFix()->at, static_cast<double>(time(nullptr)), 30);
-        }
-        return testing::Test::HasFailure() ? 1 : 0;
-    }), 0);
+                  for (const std::string& variable : home.environment()) putenv(const_cast<char*>(variable.c_str()));
+                  const auto computer = makeComputer({.groupOf = [](const Proc&) { return std::string(); },
+                                                      .isToolHelper = [](std::string_view) { return false; }},
+                                                     "test");
+                  Log::Options options;
+                  options.folder = computer->platform().folders.log;
+                  Log log(options);
+                  Host host;
+                  host.uid = computer->uid();
+                  const Monitor monitor(computer->platform(), log, host, Monitor::Role::reader);
+                  EXPECT_TRUE(monitor.lastFix().has_value());
+                  if (monitor.lastFix()) {
+                      EXPECT_EQ(monitor.lastFix()->line, line);
+                      EXPECT_NEAR(monitor.lastFix()->at, static_cast<double>(time(nullptr)), 30);
+                  }
+                  return testing::Test::HasFailure() ? 1 : 0;
+              }),
+              0);
 }
 
 class Watch : public EndToEnd {
@@ -157,8 +159,8 @@ TEST_F(Watch, IsOneProcessesWorkAtATime) {
     const Result refused = loser.finish();
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.out, "");
-    EXPECT_EQ(refused.err, fmt::format("ravik watch (process {}) already watches this computer, and only one can.\n",
-                                       winner.pid()));
+    EXPECT_EQ(refused.err,
+              fmt::format("ravik watch (process {}) already watches this computer, and only one can.\n", winner.pid()));
     ASSERT_TRUE(winner.says("memory free"));
     EXPECT_TRUE(lives(winner.pid()));
 

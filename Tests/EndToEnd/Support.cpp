@@ -27,9 +27,7 @@ namespace {
 const std::string programs = RAVIK_BINARY_DIR "/bin/";
 const std::string idleProgram = RAVIK_BINARY_DIR "/bin/ravik-test-idle";
 
-double since(Instant begun) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
-}
+double since(Instant begun) { return std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count(); }
 
 std::string contents(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -211,8 +209,7 @@ void Typed::type(std::string_view keys) const {
 Result Typed::finish(double seconds) {
     // A terminal reads as an error once its last program has gone.
     const Instant begun = std::chrono::steady_clock::now();
-    while (since(begun) < seconds && readSome(0.1)) {
-    }
+    while (since(begun) < seconds && readSome(0.1)) {}
     Result result;
     result.status = take(m_pid, std::max(1.0, seconds - since(begun)));
     result.seconds = since(m_begun);

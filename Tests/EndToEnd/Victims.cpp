@@ -7,8 +7,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "Tests/Platform/Support/Children.h"
 #include "Tests/Platform/Support/ChildWork.h"
+#include "Tests/Platform/Support/Children.h"
 
 namespace ravik::endtoend {
 

@@ -25,9 +25,9 @@ struct FakeMachine {
     FakeAppearance appearance;
     FakeLoginItem loginItem;
     Folders folders;
-    Platform platform{processes, readings,   processes,  processes,    services,   workspace,  notifier,
-                      defaults,  trash,      loop,       clock,        watchLock,  archive,    crashReports,
-                      fileViewer, desktopApp, appearance, loginItem,   folders};
+    Platform platform{processes,  readings,   processes,  processes, services,  workspace, notifier,
+                      defaults,   trash,      loop,       clock,     watchLock, archive,   crashReports,
+                      fileViewer, desktopApp, appearance, loginItem, folders};
 
     /// This user's machine; the program itself is pid 50.
     Host host{HostKind::linux, 1000, 50, {1}, {}};

@@ -139,12 +139,8 @@ bool FakeProcesses::send(const VerifiedProcess& process, Signal signal) const {
         case Signal::kill:
             if (!target.ignoresKill) self().end(target.pid);
             return true;
-        case Signal::stop:
-            target.stopped = true;
-            break;
-        case Signal::resume:
-            target.stopped = false;
-            break;
+        case Signal::stop: target.stopped = true; break;
+        case Signal::resume: target.stopped = false; break;
     }
     reap();
     return true;

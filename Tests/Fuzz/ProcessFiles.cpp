@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <string_view>
 
-#include "Platform/Linux/ApplicationUnit.h"
 #include "Platform/Linux/AppNames.h"
 #include "Platform/Linux/AppRules.h"
+#include "Platform/Linux/ApplicationUnit.h"
 #include "Platform/Linux/BootTime.h"
 #include "Platform/Linux/CommandLine.h"
 #include "Platform/Linux/ControlGroup.h"

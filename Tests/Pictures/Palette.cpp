@@ -46,8 +46,8 @@ QImage paletted(const QImage& image) {
         for (int x = 0; x < source.width(); ++x) {
             auto place = places.find(line[x]);
             if (place == places.end()) {
-                const auto nearest = std::ranges::min_element(
-                    colours, {}, [&](QRgb colour) { return distance(colour, line[x]); });
+                const auto nearest =
+                    std::ranges::min_element(colours, {}, [&](QRgb colour) { return distance(colour, line[x]); });
                 place = places.insert(line[x], static_cast<uchar>(nearest - colours.begin()));
             }
             result.scanLine(y)[x] = *place;

@@ -34,8 +34,9 @@ TEST_F(AutostartEntries, IsOffUntilItIsTurnedOn) {
     EXPECT_EQ(text(), "none");
     EXPECT_EQ(entry().setEnabled(true), std::nullopt);
     EXPECT_TRUE(entry().isEnabled());
-    EXPECT_EQ(text(), "[Desktop Entry]\nType=Application\nName=Ravik\nIcon=dev.tolvane.Ravik\n"
-                      "Exec=\"/opt/Ravik 100%%/bin/ravik-desktop\"\n");
+    EXPECT_EQ(text(),
+              "[Desktop Entry]\nType=Application\nName=Ravik\nIcon=dev.tolvane.Ravik\n"
+              "Exec=\"/opt/Ravik 100%%/bin/ravik-desktop\"\n");
     EXPECT_EQ(launchTarget(parseDesktopEntry(text(), "dev.tolvane.Ravik")->exec).program, program->native());
     EXPECT_EQ(entry().setEnabled(false), std::nullopt);
     EXPECT_EQ(text(), "none");
@@ -65,11 +66,13 @@ TEST_F(AutostartEntries, HonoursTheSwitchesOfDesktops) {
 }
 
 TEST_F(AutostartEntries, KeepsWhatElseTheUserWrote) {
-    folder.write(own, "# mine\n\n[Desktop Entry]\nType=Application\nName=Ravik\nName[de]=Ravik!\nExec=old\n"
-                      "X-KDE-autostart-after=panel\nHidden=true\n");
+    folder.write(own,
+                 "# mine\n\n[Desktop Entry]\nType=Application\nName=Ravik\nName[de]=Ravik!\nExec=old\n"
+                 "X-KDE-autostart-after=panel\nHidden=true\n");
     EXPECT_EQ(entry().setEnabled(true), std::nullopt);
-    EXPECT_EQ(text(), "# mine\n\n[Desktop Entry]\nType=Application\nName=Ravik\nName[de]=Ravik!\n"
-                      "Exec=\"/opt/Ravik 100%%/bin/ravik-desktop\"\nX-KDE-autostart-after=panel\n");
+    EXPECT_EQ(text(),
+              "# mine\n\n[Desktop Entry]\nType=Application\nName=Ravik\nName[de]=Ravik!\n"
+              "Exec=\"/opt/Ravik 100%%/bin/ravik-desktop\"\nX-KDE-autostart-after=panel\n");
 }
 
 TEST_F(AutostartEntries, AFileThatIsNoEntryIsOff) {

@@ -44,16 +44,17 @@ TEST(CommandLine, InvalidBytesAreRepairedAndNothingIsDropped) {
 }
 
 TEST(Utf8, WellFormedTextStaysAsItIs) {
-    for (const std::string_view text : {"", "abc", "caf\xC3\xA9", "\xE2\x8C\x98Q", "\xF0\x9F\x8D\x8E", "\xEF\xBF\xBF"}) {
+    for (const std::string_view text :
+         {"", "abc", "caf\xC3\xA9", "\xE2\x8C\x98Q", "\xF0\x9F\x8D\x8E", "\xEF\xBF\xBF"}) {
         EXPECT_EQ(repairedUtf8(text), text);
     }
 }
 
 TEST(Utf8, EachIllFormedPartBecomesOneReplacement) {
     EXPECT_EQ(repairedUtf8("\xFF\xFE"), replacement + replacement);
-    EXPECT_EQ(repairedUtf8("a\xE2\x8C"), "a" + replacement);                        // cut off
-    EXPECT_EQ(repairedUtf8("\xE2\x8C(b"), replacement + "(b");                      // broken off
-    EXPECT_EQ(repairedUtf8("\xC0\xAF"), replacement + replacement);                 // overlong
+    EXPECT_EQ(repairedUtf8("a\xE2\x8C"), "a" + replacement);         // cut off
+    EXPECT_EQ(repairedUtf8("\xE2\x8C(b"), replacement + "(b");       // broken off
+    EXPECT_EQ(repairedUtf8("\xC0\xAF"), replacement + replacement);  // overlong
     EXPECT_EQ(repairedUtf8("\xE0\x80\xAF"), replacement + replacement + replacement);
     EXPECT_EQ(repairedUtf8("\xED\xA0\x80"), replacement + replacement + replacement);  // a surrogate
     EXPECT_EQ(repairedUtf8("\xF4\x90\x80\x80"), replacement + replacement + replacement + replacement);
@@ -72,7 +73,8 @@ TEST(ProcessName, FollowsTheKernelsNameIntoTheArguments) {
 }
 
 TEST(ProcessName, AScriptIsNamedInAnArgument) {
-    EXPECT_EQ(processName("unattended-upgr", {"/usr/bin/python3", "/usr/share/unattended-upgrades/unattended-upgrade-shutdown"},
+    EXPECT_EQ(processName("unattended-upgr",
+                          {"/usr/bin/python3", "/usr/share/unattended-upgrades/unattended-upgrade-shutdown"},
                           "/usr/bin/python3.11"),
               "unattended-upgrade-shutdown");
     EXPECT_EQ(processName("pip3", {"/usr/bin/python3", "-I", "/usr/bin/pip3", "install"}, ""), "pip3");
@@ -86,8 +88,9 @@ TEST(ProcessName, FifteenBytesMustBeTheWholeOfAShorterName) {
 }
 
 TEST(ProcessName, TheExecutableComesAfterTheArguments) {
-    EXPECT_EQ(processName("Google Chrome H", {"/opt/Google Chrome/other", "--x"}, "/opt/Google Chrome/Google Chrome Helper"),
-              "Google Chrome Helper");
+    EXPECT_EQ(
+        processName("Google Chrome H", {"/opt/Google Chrome/other", "--x"}, "/opt/Google Chrome/Google Chrome Helper"),
+        "Google Chrome Helper");
     EXPECT_EQ(processName("server", {"srv", "x"}, "/srv/bin/server (deleted)"), "server");
 }
 
@@ -112,7 +115,8 @@ TEST(ProcessName, NothingButTheKernelsNameIsLeft) {
 }
 
 TEST(Interpreters, AreKnownWithAndWithoutAVersion) {
-    for (const std::string_view name : {"node", "python", "python3", "python3.11", "bash", "electron25", "java", "perl5.36"}) {
+    for (const std::string_view name :
+         {"node", "python", "python3", "python3.11", "bash", "electron25", "java", "perl5.36"}) {
         EXPECT_TRUE(isInterpreter(name)) << name;
     }
     for (const std::string_view name : {"nodemon", "pythonista", "shutter", "bashtop", "", "rubymine", "fisher"}) {
@@ -125,7 +129,8 @@ TEST(Interpreters, TheScriptStandsBehindTheirOwnOptions) {
     EXPECT_EQ(scriptOf({"/usr/bin/python3", "-Es", "/usr/bin/terminator", "-x"}), "/usr/bin/terminator");
     EXPECT_EQ(scriptOf({"python3", "-W", "ignore", "run.py"}), "run.py");
     EXPECT_EQ(scriptOf({"node", "--require", "./hook.js", "--inspect", "server.js"}), "server.js");
-    EXPECT_EQ(scriptOf({"java", "-Xmx1g", "-cp", "lib", "-jar", "/usr/share/java/app.jar", "x"}), "/usr/share/java/app.jar");
+    EXPECT_EQ(scriptOf({"java", "-Xmx1g", "-cp", "lib", "-jar", "/usr/share/java/app.jar", "x"}),
+              "/usr/share/java/app.jar");
     EXPECT_EQ(scriptOf({"bash", "--", "run.sh"}), "run.sh");
     EXPECT_EQ(scriptOf({"-bash"}), "");
 }

@@ -13,8 +13,8 @@
 
 #include "Platform/Linux/ReadFile.h"
 #include "Platform/Linux/ReportText.h"
-#include "Tests/Platform/Support/ChildWork.h"
 #include "Tests/Fakes/TemporaryFolder.h"
+#include "Tests/Platform/Support/ChildWork.h"
 
 namespace ravik::platform {
 
@@ -120,8 +120,7 @@ TEST_F(CrashHandlerTest, AProgramWithoutADescriptorLeftIsReportedToo) {
     crash([] {
         const rlimit few{32, 32};
         setrlimit(RLIMIT_NOFILE, &few);
-        while (dup(0) >= 0) {
-        }
+        while (dup(0) >= 0) {}
         writeTo(16);
     });
     EXPECT_EQ(diagnostic().signal, SIGSEGV);

@@ -200,7 +200,8 @@ TEST(XSettings, PortalGoesFirstAndGnomesOwnLast) {
     Manager manager(server);
     manager.set(settings("Arc-Dark", 144));
     manager.manage();
-    EXPECT_EQ(DesktopAppearance({bus.address(), server.display()}).look(), (Look{ColorScheme::light, false, false, 1.5}));
+    EXPECT_EQ(DesktopAppearance({bus.address(), server.display()}).look(),
+              (Look{ColorScheme::light, false, false, 1.5}));
 }
 
 TEST(XSettings, OutliveTheServer) {
@@ -217,8 +218,8 @@ struct DesktopSchemas : ::testing::Test {
         folder.write("share/glib-2.0/schemas/test.gschema.xml",
                      "<schemalist><schema id='org.gnome.desktop.interface' path='/org/gnome/desktop/interface/'>" +
                          keys + "</schema></schemalist>");
-        const Pid pid = reaper.add(
-            startProgram({"glib-compile-schemas", (folder.path() / "share/glib-2.0/schemas").native()}));
+        const Pid pid =
+            reaper.add(startProgram({"glib-compile-schemas", (folder.path() / "share/glib-2.0/schemas").native()}));
         waitUntil([&] { return !readProc(pid); });
     }
     void store(const std::string& values) {
@@ -226,8 +227,8 @@ struct DesktopSchemas : ::testing::Test {
     }
     void follow() {
         reaper.add(startProgram({RAVIK_BINARY_DIR "/bin/ravik-test-look", (folder.path() / "looks").native()},
-                                {bus.variable(), "GSETTINGS_BACKEND=keyfile", "GSETTINGS_SCHEMA_DIR=",
-                                 "XDG_CONFIG_HOME=" + (folder.path() / "config").native(),
+                                {bus.variable(), "GSETTINGS_BACKEND=keyfile",
+                                 "GSETTINGS_SCHEMA_DIR=", "XDG_CONFIG_HOME=" + (folder.path() / "config").native(),
                                  "XDG_DATA_HOME=" + (folder.path() / "none").native(),
                                  "XDG_DATA_DIRS=" + (folder.path() / "share").native()}));
     }
@@ -242,10 +243,11 @@ struct DesktopSchemas : ::testing::Test {
 };
 
 TEST_F(DesktopSchemas, AreReadAndFollowedWhereThereIsNoPortal) {
-    install("<key name='gtk-theme' type='s'><default>'Adwaita'</default></key>"
-            "<key name='color-scheme' type='s'><default>'default'</default></key>"
-            "<key name='enable-animations' type='b'><default>true</default></key>"
-            "<key name='text-scaling-factor' type='d'><default>1.0</default></key>");
+    install(
+        "<key name='gtk-theme' type='s'><default>'Adwaita'</default></key>"
+        "<key name='color-scheme' type='s'><default>'default'</default></key>"
+        "<key name='enable-animations' type='b'><default>true</default></key>"
+        "<key name='text-scaling-factor' type='d'><default>1.0</default></key>");
     store("gtk-theme='Adwaita-dark'\n");
     follow();
     EXPECT_TRUE(shows("dark no no 1\n")) << shown();

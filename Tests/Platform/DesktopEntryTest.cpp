@@ -53,7 +53,8 @@ TEST(ApplicationUnit, ServicesNameTheirApplicationLast) {
 }
 
 TEST(ApplicationUnit, SnapsArePackageAndApp) {
-    EXPECT_EQ(applicationIds("snap.firefox.firefox-3f0c2a52-6a0b-4d9e-9f0e-0a1b2c3d4e5f.scope"), Words{"firefox_firefox"});
+    EXPECT_EQ(applicationIds("snap.firefox.firefox-3f0c2a52-6a0b-4d9e-9f0e-0a1b2c3d4e5f.scope"),
+              Words{"firefox_firefox"});
     EXPECT_EQ(applicationIds("snap.code-insiders.url-handler.3f0c2a52-6a0b-4d9e-9f0e-0a1b2c3d4e5f.scope"),
               Words{"code-insiders_url-handler"});
     EXPECT_TRUE(applicationIds("snap.lxd.hook.configure-3f0c2a52-6a0b-4d9e-9f0e-0a1b2c3d4e5f.scope").empty());
@@ -61,8 +62,8 @@ TEST(ApplicationUnit, SnapsArePackageAndApp) {
 }
 
 TEST(ApplicationUnit, OtherUnitsNameNone) {
-    for (const auto* unit : {"", "session-2.scope", "user@1000.service", "app-.scope", "app-1.scope", "app.slice", "dbus.service",
-                             "vte-spawn-1.scope", "app-x.slice"}) {
+    for (const auto* unit : {"", "session-2.scope", "user@1000.service", "app-.scope", "app-1.scope", "app.slice",
+                             "dbus.service", "vte-spawn-1.scope", "app-x.slice"}) {
         EXPECT_TRUE(applicationIds(unit).empty()) << unit;
     }
 }
@@ -92,7 +93,8 @@ TEST(DesktopEntry, TerminalsAndEditorsAreTypedIn) {
 }
 
 TEST(DesktopEntry, EndsOfLinesAndEscapesAreNoMatter) {
-    const auto entry = parseDesktopEntry("[Desktop Entry]\r\nType = Application\r\nName= A\\sB\\\\C \r\nNoDisplay=true", "x");
+    const auto entry =
+        parseDesktopEntry("[Desktop Entry]\r\nType = Application\r\nName= A\\sB\\\\C \r\nNoDisplay=true", "x");
     ASSERT_TRUE(entry);
     EXPECT_EQ(entry->name, "A B\\C");
     EXPECT_FALSE(entry->isDisplayed);

@@ -10,11 +10,10 @@ namespace {
 
 struct DesktopIndexTest : testing::Test {
     void add(const std::string& id, const std::string& name, const std::string& exec, const std::string& more = "") {
-        index.add(*parseDesktopEntry("[Desktop Entry]\nType=Application\nName=" + name + "\nExec=" + exec + "\n" + more, id),
-                  {[](const std::string& program) {
-                       return program.starts_with('/') ? program : "/usr/bin/" + program;
-                   },
-                   [this](const std::string& path) { return links.contains(path) ? links[path] : path; }});
+        index.add(
+            *parseDesktopEntry("[Desktop Entry]\nType=Application\nName=" + name + "\nExec=" + exec + "\n" + more, id),
+            {[](const std::string& program) { return program.starts_with('/') ? program : "/usr/bin/" + program; },
+             [this](const std::string& path) { return links.contains(path) ? links[path] : path; }});
     }
     std::string ownerOf(const std::string& path, const std::string& command = "") const {
         const DesktopEntry* entry = index.owner(path, command);
@@ -95,7 +94,8 @@ TEST_F(DesktopIndexTest, SnapsAreKnownByTheirPackage) {
 }
 
 TEST_F(DesktopIndexTest, FlatpaksAreKnownByTheCommandInTheirSandbox) {
-    add("org.gimp.GIMP", "GIMP", "/usr/bin/flatpak run --command=gimp-2.10 org.gimp.GIMP %U", "X-Flatpak=org.gimp.GIMP\n");
+    add("org.gimp.GIMP", "GIMP", "/usr/bin/flatpak run --command=gimp-2.10 org.gimp.GIMP %U",
+        "X-Flatpak=org.gimp.GIMP\n");
     EXPECT_EQ(ownerOf("/app/bin/gimp-2.10"), "GIMP");
     EXPECT_EQ(ownerOf("/app/bin/other"), "");
     EXPECT_EQ(ownerOf("/usr/bin/flatpak"), "");
@@ -143,8 +143,9 @@ TEST(ApplicationFolder, IsWhatAnApplicationHasToItself) {
     EXPECT_EQ(applicationFolder("/usr/share/code/bin/code"), "/usr/share/code");
     EXPECT_EQ(applicationFolder("/opt/android-studio/bin/studio.sh"), "/opt/android-studio");
     EXPECT_EQ(applicationFolder("/usr/lib/x86_64-linux-gnu/xfce4/exo-helper"), "/usr/lib/x86_64-linux-gnu/xfce4");
-    for (const auto* path : {"/usr/bin/tool", "/opt/tool", "/opt/bin/tool", "/usr/libexec/tool", "/home/me/tool/tool",
-                             "/usr/lib/x86_64-linux-gnu/tool", "/usr/lib/python3.11/idle", "/usr/share/applications/x", ""}) {
+    for (const auto* path :
+         {"/usr/bin/tool", "/opt/tool", "/opt/bin/tool", "/usr/libexec/tool", "/home/me/tool/tool",
+          "/usr/lib/x86_64-linux-gnu/tool", "/usr/lib/python3.11/idle", "/usr/share/applications/x", ""}) {
         EXPECT_EQ(applicationFolder(path), "") << path;
     }
 }

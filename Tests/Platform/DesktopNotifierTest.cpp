@@ -257,10 +257,10 @@ TEST(DesktopNotifier, IsShownByARealDaemon) {
         nullptr, nullptr, nullptr);
     ASSERT_TRUE(asking);
     const auto displayed = [&] {
-        GVariant* answer = g_dbus_connection_call_sync(asking, name, path, "org.freedesktop.DBus.Properties", "Get",
-                                                       g_variant_new("(ss)", "org.dunstproject.cmd0", "displayedLength"),
-                                                       G_VARIANT_TYPE("(v)"), G_DBUS_CALL_FLAGS_NONE, 5000, nullptr,
-                                                       nullptr);
+        GVariant* answer =
+            g_dbus_connection_call_sync(asking, name, path, "org.freedesktop.DBus.Properties", "Get",
+                                        g_variant_new("(ss)", "org.dunstproject.cmd0", "displayedLength"),
+                                        G_VARIANT_TYPE("(v)"), G_DBUS_CALL_FLAGS_NONE, 5000, nullptr, nullptr);
         guint32 count = 0;
         if (!answer) return count;
         GVariant* boxed = nullptr;
@@ -272,9 +272,9 @@ TEST(DesktopNotifier, IsShownByARealDaemon) {
     };
     EXPECT_TRUE(turnUntil([&] { return displayed() == 1; }));
     EXPECT_FALSE(turnUntil([&] { return displayed() > 1; }, 0.5)) << "the second takes the place of the first";
-    GVariant* done = g_dbus_connection_call_sync(asking, name, path, "org.dunstproject.cmd0", "NotificationAction",
-                                                 g_variant_new("(u)", 0U), nullptr, G_DBUS_CALL_FLAGS_NONE, 5000,
-                                                 nullptr, nullptr);
+    GVariant* done =
+        g_dbus_connection_call_sync(asking, name, path, "org.dunstproject.cmd0", "NotificationAction",
+                                    g_variant_new("(u)", 0U), nullptr, G_DBUS_CALL_FLAGS_NONE, 5000, nullptr, nullptr);
     if (done) g_variant_unref(done);
     EXPECT_TRUE(turnUntil([&] { return pressed == "default"; })) << pressed;
     g_object_unref(asking);

@@ -23,11 +23,10 @@ struct Manager {
         static const GDBusInterfaceVTable table{hear, nullptr, nullptr, {}};
         g_dbus_connection_register_object(connection, "/org/freedesktop/FileManager1", node->interfaces[0], &table,
                                           this, nullptr, nullptr);
-        g_bus_own_name_on_connection(connection, "org.freedesktop.FileManager1", G_BUS_NAME_OWNER_FLAGS_NONE,
-                                     [](GDBusConnection*, const char*, gpointer self) {
-                                         static_cast<Manager*>(self)->isUp = true;
-                                     },
-                                     nullptr, this, nullptr);
+        g_bus_own_name_on_connection(
+            connection, "org.freedesktop.FileManager1", G_BUS_NAME_OWNER_FLAGS_NONE,
+            [](GDBusConnection*, const char*, gpointer self) { static_cast<Manager*>(self)->isUp = true; }, nullptr,
+            this, nullptr);
     }
     ~Manager() {
         g_dbus_connection_close_sync(connection, nullptr, nullptr);

@@ -70,10 +70,24 @@ TEST_F(FocusRelease, APausedTerminalIsResumedAtOnce) {
     options.self = getpid();
     options.now = [&] { return machine.clock.now(); };
     LinuxLevers levers(signals, options);
-    Platform platform{machine.processes, machine.readings,  signals,          levers,        machine.services,
-                      *workspace,        machine.notifier,  machine.defaults, machine.trash, machine.loop,
-                      machine.clock,     machine.watchLock, machine.archive, machine.crashReports,
-                      machine.fileViewer, machine.desktopApp, machine.appearance, machine.loginItem,
+    Platform platform{machine.processes,
+                      machine.readings,
+                      signals,
+                      levers,
+                      machine.services,
+                      *workspace,
+                      machine.notifier,
+                      machine.defaults,
+                      machine.trash,
+                      machine.loop,
+                      machine.clock,
+                      machine.watchLock,
+                      machine.archive,
+                      machine.crashReports,
+                      machine.fileViewer,
+                      machine.desktopApp,
+                      machine.appearance,
+                      machine.loginItem,
                       machine.folders};
     fakes::LogFolder log{machine.clock};
     Monitor monitor(platform, log.log, machine.host, Monitor::Role::watcher);

@@ -65,8 +65,8 @@ TEST(Folders, FollowTheVariables) {
 
 TEST(Folders, RelativeOrEmptyVariableCountsAsAbsent) {
     User user;
-    for (const char* name : {"XDG_STATE_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR",
-                             "XDG_DESKTOP_DIR"}) {
+    for (const char* name :
+         {"XDG_STATE_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "XDG_DESKTOP_DIR"}) {
         for (const char* value : {"", "state", "./state", "~/state", "$HOME/state"}) {
             user.variables[name] = value;
             const Folders folders = user.folders();

@@ -53,8 +53,8 @@ struct DesktopApps : ::testing::Test {
                      "#!/bin/sh\n"
                      "{ echo \"$@\"; pwd; ps -o sid= -o tty= $$ | tr -d ' '; echo $$; readlink /proc/$$/fd/2; "
                      "echo \"[$TOLVANE_OPEN]\"; } > '" +
-                         heard.native() + ".new'\nmv '" + heard.native() + ".new' '" + heard.native() + "'\nexec " + then +
-                         "\n");
+                         heard.native() + ".new'\nmv '" + heard.native() + ".new' '" + heard.native() + "'\nexec " +
+                         then + "\n");
         fs::permissions(folder.path() / where / "ravik-desktop", fs::perms(0700));
     }
     /// Sees to the end of what was started in that way.
@@ -174,9 +174,11 @@ TEST_F(DesktopApps, HearsWhatTheDesktopAsks) {
     const Start first(environment(bus.address()), heard);
     ASSERT_EQ(first.told(), "first");
     const auto send = [&](const std::vector<std::string>& words) {
-        std::vector<std::string> call{"gdbus",         "call", "--address",    bus.address(),
-                                      "--dest",        "dev.tolvane.Ravik",    "--object-path",
-                                      "/dev/tolvane/Ravik", "--method"};
+        std::vector<std::string> call{"gdbus",         "call",
+                                      "--address",     bus.address(),
+                                      "--dest",        "dev.tolvane.Ravik",
+                                      "--object-path", "/dev/tolvane/Ravik",
+                                      "--method"};
         call.insert(call.end(), words.begin(), words.end());
         const Pid pid = reaper.add(startProgram(call));
         waitUntil([&] { return !readProc(pid); });

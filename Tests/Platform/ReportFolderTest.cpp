@@ -12,8 +12,8 @@
 
 #include "Platform/Linux/GLibLoop.h"
 #include "Platform/Linux/ReadFile.h"
-#include "Tests/Platform/Support/Children.h"
 #include "Tests/Fakes/TemporaryFolder.h"
+#include "Tests/Platform/Support/Children.h"
 
 namespace ravik::platform {
 
@@ -65,8 +65,7 @@ TEST_F(ReportFolderTest, GivesEachReportOnceOldestFirst) {
     write("Ravik-crash-b.new", "signal: 11\nversion: 0.1.0\nreason: second\n", 1);
     write("Ravik-crash-a.new", "signal: 6\nversion: 0.1.0\nreason: third\n");
     write("Ravik-hang-c.new", "seconds: 2.5\n", 2);
-    EXPECT_THAT(reports.takeNew(),
-                ElementsAre(DiagnosticPayload{{}, {{2.5}}}, crash(11, "second"), crash(6, "third")));
+    EXPECT_THAT(reports.takeNew(), ElementsAre(DiagnosticPayload{{}, {{2.5}}}, crash(11, "second"), crash(6, "third")));
     EXPECT_THAT(reports.takeNew(), IsEmpty());
     EXPECT_THAT(names(), ElementsAre("Ravik-crash-a.txt", "Ravik-crash-b.txt", "Ravik-hang-c.txt"));
 }

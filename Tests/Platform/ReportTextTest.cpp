@@ -22,7 +22,10 @@ TEST(ReportText, OnlyTheLinesBeforeTheEmptyOneCount) {
 }
 
 TEST(ReportText, MendsWhatIsNoUtf8) {
-    EXPECT_EQ(ReportText::crash("reason: b\xff" "d\n").reason, "b\uFFFDd");
+    EXPECT_EQ(ReportText::crash("reason: b\xff"
+                                "d\n")
+                  .reason,
+              "b\uFFFDd");
 }
 
 TEST(ReportText, AHangIsReadAsItIsWritten) {

@@ -30,32 +30,34 @@ TEST_P(LoneFamily, IsKnown) { EXPECT_TRUE(livesAloneOnPurpose(proc(5, 1, GetPara
 
 INSTANTIATE_TEST_SUITE_P(
     Heads, LoneFamily,
-    testing::Values(Named{"tmux: server", "tmux new-session -s work"}, Named{"screen", "SCREEN -S work"},
-                    Named{"zellij", "/home/me/.cargo/bin/zellij --server /run/user/1000/zellij/x"},
-                    Named{"mosh-server", "mosh-server new -s"}, Named{"sshd", "sshd: me@pts/0"},
-                    Named{"sshd-session", "sshd-session: me"}, Named{"ssh-agent", "ssh-agent -s"},
-                    Named{"gpg-agent", "/home/me/bin/gpg-agent --supervised"}, Named{"dbus-daemon", "dbus-daemon --fork"},
-                    Named{"conmon", "/opt/podman/conmon --api-version 1"},
-                    Named{"containerd-shim-runc-v2", "/opt/bin/containerd-shim-runc-v2 -namespace moby"},
-                    Named{"node", "/home/me/.vscode-server/bin/0a1b/node /home/me/.vscode-server/bin/0a1b/out/server-main.js"},
-                    Named{"node", "/home/me/.cursor-server/cli/servers/Stable-1/server/node out/server-main.js"},
-                    Named{"code-0a1b", "/home/me/.vscode-server/code-0a1b command-shell"},
-                    Named{"remote-dev-serv", "/home/me/.cache/JetBrains/RemoteDev/dist/x/bin/remote-dev-server run"},
-                    Named{"emacs", "/opt/emacs/bin/emacs --daemon"}, Named{"emacs-gtk", "emacs --bg-daemon=work"},
-                    Named{"java", "/opt/jdk/bin/java -cp gradle-launcher.jar org.gradle.launcher.daemon.bootstrap.GradleDaemon 8.5"},
-                    Named{"adb", "adb -L tcp:5037 fork-server server --reply-fd 4"}));
+    testing::Values(
+        Named{"tmux: server", "tmux new-session -s work"}, Named{"screen", "SCREEN -S work"},
+        Named{"zellij", "/home/me/.cargo/bin/zellij --server /run/user/1000/zellij/x"},
+        Named{"mosh-server", "mosh-server new -s"}, Named{"sshd", "sshd: me@pts/0"},
+        Named{"sshd-session", "sshd-session: me"}, Named{"ssh-agent", "ssh-agent -s"},
+        Named{"gpg-agent", "/home/me/bin/gpg-agent --supervised"}, Named{"dbus-daemon", "dbus-daemon --fork"},
+        Named{"conmon", "/opt/podman/conmon --api-version 1"},
+        Named{"containerd-shim-runc-v2", "/opt/bin/containerd-shim-runc-v2 -namespace moby"},
+        Named{"node", "/home/me/.vscode-server/bin/0a1b/node /home/me/.vscode-server/bin/0a1b/out/server-main.js"},
+        Named{"node", "/home/me/.cursor-server/cli/servers/Stable-1/server/node out/server-main.js"},
+        Named{"code-0a1b", "/home/me/.vscode-server/code-0a1b command-shell"},
+        Named{"remote-dev-serv", "/home/me/.cache/JetBrains/RemoteDev/dist/x/bin/remote-dev-server run"},
+        Named{"emacs", "/opt/emacs/bin/emacs --daemon"}, Named{"emacs-gtk", "emacs --bg-daemon=work"},
+        Named{"java",
+              "/opt/jdk/bin/java -cp gradle-launcher.jar org.gradle.launcher.daemon.bootstrap.GradleDaemon 8.5"},
+        Named{"adb", "adb -L tcp:5037 fork-server server --reply-fd 4"}));
 
 class NoLoneFamily : public testing::TestWithParam<Named> {};
 
 TEST_P(NoLoneFamily, IsNotTaken) { EXPECT_FALSE(livesAloneOnPurpose(proc(5, 1, GetParam().name, GetParam().command))); }
 
-INSTANTIATE_TEST_SUITE_P(
-    Others, NoLoneFamily,
-    testing::Values(Named{"node", "node /home/me/.npm/_npx/0a/node_modules/.bin/mcp-server"},
-                    Named{"node", "node /home/me/.vscode-server/extensions/tool/mcp.js"},
-                    Named{"emacs", "emacs notes.org"}, Named{"adb", "adb logcat"},
-                    Named{"java", "java -jar server.jar"}, Named{"tmuxinator", "ruby tmuxinator start"},
-                    Named{"node", "node /home/me/mcp-server/bin/run.js"}, Named{"x", ""}));
+INSTANTIATE_TEST_SUITE_P(Others, NoLoneFamily,
+                         testing::Values(Named{"node", "node /home/me/.npm/_npx/0a/node_modules/.bin/mcp-server"},
+                                         Named{"node", "node /home/me/.vscode-server/extensions/tool/mcp.js"},
+                                         Named{"emacs", "emacs notes.org"}, Named{"adb", "adb logcat"},
+                                         Named{"java", "java -jar server.jar"},
+                                         Named{"tmuxinator", "ruby tmuxinator start"},
+                                         Named{"node", "node /home/me/mcp-server/bin/run.js"}, Named{"x", ""}));
 
 TEST(SessionOf, ReadsPastAnyName) {
     EXPECT_EQ(sessionOf("812 (a) b (c)) S 1 812 811 34816 900 4194304 1"), 811);

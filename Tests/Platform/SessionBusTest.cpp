@@ -17,7 +17,8 @@ using testing::Not;
 class BusApplication : public OwnServer {
 public:
     BusApplication(const OwnBus& bus, const std::string& kind, const std::string& name) {
-        m_up = start({RAVIK_BINARY_DIR "/bin/ravik-test-bus-application", kind, name, "{fd}"}, {bus.variable()}) == "up";
+        m_up =
+            start({RAVIK_BINARY_DIR "/bin/ravik-test-bus-application", kind, name, "{fd}"}, {bus.variable()}) == "up";
     }
     bool isUp() const { return m_up; }
 
@@ -41,7 +42,8 @@ TEST_P(QuitOverTheBus, EndsTheApplication) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, QuitOverTheBus,
-                         testing::Values(Way{"action", "org.example.Photo-Viewer"}, Way{"main", "org.example.mail-4711"},
+                         testing::Values(Way{"action", "org.example.Photo-Viewer"},
+                                         Way{"main", "org.example.mail-4711"},
                                          Way{"player", "org.mpris.MediaPlayer2.example"}));
 
 class NoQuitOverTheBus : public testing::TestWithParam<Way> {};

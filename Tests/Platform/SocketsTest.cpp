@@ -77,8 +77,7 @@ TEST(Sockets, ServesNoOtherComputer) { EXPECT_EQ(table().served(504).peer, 0U); 
 TEST(Sockets, MatchesAMappedAddress) { EXPECT_EQ(table().served(602).peer, 603U); }
 
 TEST(Sockets, ServesThroughAnAcceptedUnixSocket) {
-    const SocketTable sockets =
-        table({connected(701, 702, "/run/user/1000/tool.sock"), connected(702, 701)});
+    const SocketTable sockets = table({connected(701, 702, "/run/user/1000/tool.sock"), connected(702, 701)});
     EXPECT_EQ(sockets.served(701).peer, 702U);
     EXPECT_EQ(sockets.served(702).peer, 0U);
 }
@@ -108,11 +107,12 @@ TEST(Sockets, AreUnknownOnlyWhereATableIsMissing) {
 
 TEST(Sockets, ReadsTheKernelsUnixTable) {
     std::vector<UnixSocket> sockets;
-    parseUnixSockets("Num       RefCount Protocol Flags    Type St Inode Path\n"
-                     "00000000b1: 00000002 00000000 00010000 0001 01 801 /run/user/1000/bus\n"
-                     "00000000b2: 00000003 00000000 00000000 0001 03 802 /run/user/1000/a b\n"
-                     "00000000b3: 00000003 00000000 00000000 0001 03 803",
-                     sockets);
+    parseUnixSockets(
+        "Num       RefCount Protocol Flags    Type St Inode Path\n"
+        "00000000b1: 00000002 00000000 00010000 0001 01 801 /run/user/1000/bus\n"
+        "00000000b2: 00000003 00000000 00000000 0001 03 802 /run/user/1000/a b\n"
+        "00000000b3: 00000003 00000000 00000000 0001 03 803",
+        sockets);
     ASSERT_THAT(sockets, SizeIs(3));
     EXPECT_TRUE(sockets[0].listens);
     EXPECT_EQ(sockets[1].name, "/run/user/1000/a b");

@@ -27,10 +27,11 @@ TEST(Takeover, FollowsTheEndOfTheOtherProcess) {
 
     FakeMachine machine;
     WatcherLock own(folder.path() / "ravik", "Ravik", geteuid());
-    Platform platform{machine.processes,  machine.readings,   machine.processes, machine.processes, machine.services,
-                      machine.workspace,  machine.notifier,   machine.defaults,  machine.trash,     machine.loop,
-                      machine.clock,      own,                machine.archive,   machine.crashReports, machine.fileViewer,
-                      machine.desktopApp, machine.appearance, machine.loginItem, machine.folders};
+    Platform platform{machine.processes,  machine.readings,     machine.processes,  machine.processes,
+                      machine.services,   machine.workspace,    machine.notifier,   machine.defaults,
+                      machine.trash,      machine.loop,         machine.clock,      own,
+                      machine.archive,    machine.crashReports, machine.fileViewer, machine.desktopApp,
+                      machine.appearance, machine.loginItem,    machine.folders};
     LogFolder log{machine.clock};
     const auto refusal = own.acquire();
     ASSERT_TRUE(refusal);

@@ -13,8 +13,8 @@
 #include <unistd.h>
 
 #include "Platform/Linux/ReadFile.h"
-#include "Tests/Platform/Support/ChildWork.h"
 #include "Tests/Fakes/TemporaryFolder.h"
+#include "Tests/Platform/Support/ChildWork.h"
 
 namespace ravik::platform {
 
@@ -83,7 +83,10 @@ TEST_F(ZipArchiveTest, NamesAreUtf8AlsoInTheCLocale) {
 }
 
 TEST_F(ZipArchiveTest, ANameThatIsNoUtf8IsMended) {
-    folder.write("Ravik-feedback-1/b\xff" "d", "text");
+    folder.write(
+        "Ravik-feedback-1/b\xff"
+        "d",
+        "text");
     EXPECT_EQ(zip(), std::nullopt);
     EXPECT_THAT(unzip("-tqq " + file.string()), "status 0\n");
     EXPECT_THAT(unzip("-Z1 " + file.string()), HasSubstr("Ravik-feedback-1/b\uFFFDd\n"));

@@ -16,8 +16,10 @@ const char* word(const std::optional<bool>& flag) { return !flag ? "?" : *flag ?
 
 void tell(const char* file, const ravik::Look& look) {
     std::ofstream out(file, std::ios::app);
-    out << (!look.scheme ? "?" : *look.scheme == ravik::ColorScheme::dark ? "dark" : "light") << ' '
-        << word(look.highContrast) << ' ' << word(look.reducedMotion) << ' ';
+    out << (!look.scheme                               ? "?"
+            : *look.scheme == ravik::ColorScheme::dark ? "dark"
+                                                       : "light")
+        << ' ' << word(look.highContrast) << ' ' << word(look.reducedMotion) << ' ';
     if (look.textScale) {
         out << *look.textScale << std::endl;
     } else {

@@ -73,7 +73,8 @@ void leftovers(Furniture& has) {
     for (int tab = 0; tab < 8; ++tab) {
         has.add(hidden, "chromium",
                 fmt::format("/usr/lib/chromium/chromium --type=renderer --user-data-dir=/tmp/puppeteer_dev_profile-Xb2 "
-                            "--client={}", tab),
+                            "--client={}",
+                            tab),
                 66, 7 * hour, "Chromium");
     }
     for (int helper = 0; helper < 12; ++helper) {
@@ -88,8 +89,7 @@ void leftovers(Furniture& has) {
 }
 
 void memory(fakes::FakeMachine& machine, double freePercent) {
-    machine.readings.memoryReading =
-        MemoryReading{megabytes(16 * 1024 * freePercent / 100), 0, 4096};
+    machine.readings.memoryReading = MemoryReading{megabytes(16 * 1024 * freePercent / 100), 0, 4096};
 }
 
 }  // namespace
@@ -119,18 +119,18 @@ void furnishCrowded(fakes::FakeMachine& machine) {
     furnishBusy(machine);
     Furniture has(machine);
     for (int one = 0; one < 14; ++one) {
-        has.add(1, "node",
-                fmt::format("node /home/mira/donaudampfschifffahrtsgesellschaft/kapitaenspatent-{}/server-{}.js", one,
-                            one),
-                40 + one * 23, (one + 3) * hour);
+        has.add(
+            1, "node",
+            fmt::format("node /home/mira/donaudampfschifffahrtsgesellschaft/kapitaenspatent-{}/server-{}.js", one, one),
+            40 + one * 23, (one + 3) * hour);
     }
 }
 
 void furnishProcesses(fakes::FakeMachine& machine, int count) {
     Furniture has(machine);
     for (int one = 0; one < count; ++one) {
-        has.add(has.shell, fmt::format("helper-{}", one / 4), fmt::format("/usr/bin/helper-{} --serve {}", one / 4, one),
-                12 + one % 40, hour + one);
+        has.add(has.shell, fmt::format("helper-{}", one / 4),
+                fmt::format("/usr/bin/helper-{} --serve {}", one / 4, one), 12 + one % 40, hour + one);
     }
 }
 

@@ -16,5 +16,4 @@ void furnishCrowded(fakes::FakeMachine& machine);
 /// So many processes that stand for nothing, a quarter of them with a name of their own.
 void furnishProcesses(fakes::FakeMachine& machine, int count);
 
-
 }  // namespace ravik::stage

@@ -1,9 +1,9 @@
 #include "Tests/Stage/Stage.h"
 
 #include <QApplication>
-#include <QStyleHints>
 #include <QDeadlineTimer>
 #include <QKeyEvent>
+#include <QStyleHints>
 #include <QWheelEvent>
 
 namespace ravik::stage {
@@ -15,9 +15,9 @@ Stage::Stage(const std::function<void(fakes::FakeMachine&)>& furnish) {
     on.folders.log = m_folder.path() / "log";
     on.folders.historyCache = m_folder.path() / "history";
     m_log = std::make_unique<Log>(Log::Options{.folder = on.folders.log,
-                                             .formerFolder = m_folder.path() / "former",
-                                             .now = [&on] { return on.clock.now(); },
-                                             .session = "0123ABCD"});
+                                               .formerFolder = m_folder.path() / "former",
+                                               .now = [&on] { return on.clock.now(); },
+                                               .session = "0123ABCD"});
     m_controller = std::make_unique<app::StatusBarController>(m_computer, *m_log, on.host);
 }
 
@@ -57,8 +57,8 @@ void Stage::scrollDown() {
     if (!over) return;
     const QPointF middle(over->width() / 2.0, over->height() / 2.0);
     constexpr QPoint farDown(0, -120 * 100);
-    QWheelEvent wheel(middle, over->mapToGlobal(middle), {}, farDown, Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
+    QWheelEvent wheel(middle, over->mapToGlobal(middle), {}, farDown, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                      false);
     QCoreApplication::sendEvent(over, &wheel);
     draw();
 }

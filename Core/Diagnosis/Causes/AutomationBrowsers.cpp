@@ -35,11 +35,11 @@ void automationBrowsers(Pass& pass) {
         pass.findings.push_back({
             .id = fmt::format("automation:{}", root.id),
             .severity = Finding::Severity::warn,
-            .title = fmt::format(
-                "A hidden automation {0} from {1} has run {2} — your own {0} may not open while it runs", *group,
-                starter, Diagnoser::hours(pass.age(root))),
-            .evidence = fmt::format("pid {} · temp profile · {} processes · {}", root.id, tree.size(),
-                                    megabytes(bytes)),
+            .title =
+                fmt::format("A hidden automation {0} from {1} has run {2} — your own {0} may not open while it runs",
+                            *group, starter, Diagnoser::hours(pass.age(root))),
+            .evidence =
+                fmt::format("pid {} · temp profile · {} processes · {}", root.id, tree.size(), megabytes(bytes)),
             .remedy = KillTrees{{root.id}},
             .gainBytes = bytes,
             .caution = {},

@@ -32,11 +32,10 @@ void browsers(Pass& pass) {
         pass.findings.push_back({
             .id = "browser:" + group.id,
             .severity = Finding::Severity::warn,
-            .title = fmt::format("{} has been open {} and holds {} GB", group.id,
-                                 Diagnoser::hours(pass.age(*oldest)),
+            .title = fmt::format("{} has been open {} and holds {} GB", group.id, Diagnoser::hours(pass.age(*oldest)),
                                  Fmt::gib(static_cast<double>(group.footprintBytes))),
-            .evidence = fmt::format("{} processes · long-lived tabs and extensions accumulate memory",
-                                    group.processes.size()),
+            .evidence =
+                fmt::format("{} processes · long-lived tabs and extensions accumulate memory", group.processes.size()),
             .remedy = QuitApp{group.id},
             // Quitting gives back about half.
             .gainBytes = group.footprintBytes / 2,

@@ -122,8 +122,7 @@ Finding quitOrEnd(Pass& pass, const AppGroup& group, const std::optional<Trend::
         .startedBy = {},
     };
     if (sessions > 0) {
-        finding.caution =
-            fmt::format("{} started from it would end with it", Fmt::plural(sessions, "agent session"));
+        finding.caution = fmt::format("{} started from it would end with it", Fmt::plural(sessions, "agent session"));
     }
     return finding;
 }

@@ -31,8 +31,7 @@ void leftovers(Pass& pass) {
     pass.findings.push_back({
         .id = "leftovers",
         .severity = Finding::Severity::warn,
-        .title = fmt::format("{} processes left behind by ended agent sessions hold {}", live.size(),
-                             megabytes(bytes)),
+        .title = fmt::format("{} processes left behind by ended agent sessions hold {}", live.size(), megabytes(bytes)),
         .evidence = fmt::format("no living parent · {}", fmt::join(names, ", ")),
         .remedy = KillTrees{live},
         .gainBytes = bytes,

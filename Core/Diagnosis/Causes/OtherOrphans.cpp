@@ -14,8 +14,8 @@ void otherOrphans(Pass& pass) {
         if (pass.tables().databases.contains(proc.name)) continue;
         if (leftovers.contains(proc.id) && !pass.keeps(proc)) continue;
         const bool busy = pass.limits.hogCPUPercent <= proc.cpuPercent;
-        std::string title = fmt::format("{} has run {} with no terminal", pass.group(proc),
-                                        Diagnoser::hours(pass.age(proc)));
+        std::string title =
+            fmt::format("{} has run {} with no terminal", pass.group(proc), Diagnoser::hours(pass.age(proc)));
         if (busy) title += fmt::format(" at {}% CPU", whole(proc.cpuPercent));
         pass.findings.push_back({
             .id = fmt::format("orphan:{}", proc.id),

@@ -69,8 +69,8 @@ TEST(Engine, PausesAnIdleAppUnderPressure) {
     Desk desk;
     desk.procs = {app(7, "Foo").mb(150), app(8, "Foo").mb(150)};
     desk.history.observedSince = fakes::now - 42.9 * minute;
-    const Decision expected{Decision::Action::pause, "Foo", {7, 8}, 300 * fakes::MiB,
-                            "idle 42 min, not focused, memory under pressure"};
+    const Decision expected{
+        Decision::Action::pause, "Foo", {7, 8}, 300 * fakes::MiB, "idle 42 min, not focused, memory under pressure"};
     EXPECT_EQ(desk.decide(), std::vector{expected});
 }
 
@@ -97,8 +97,8 @@ TEST(Engine, AWorkingAppIsNotPausedButMayBeDemoted) {
     desk.procs = {app(7, "Foo").mb(300).cpu(0.99)};
     EXPECT_EQ(desk.decide().at(0).action, Decision::Action::pause);
     desk.procs = {app(7, "Foo").mb(300).cpu(25.0)};
-    const Decision expected{Decision::Action::demote, "Foo", {7}, 0,
-                            "25% CPU in the background while your Mac is busy"};
+    const Decision expected{
+        Decision::Action::demote, "Foo", {7}, 0, "25% CPU in the background while your Mac is busy"};
     EXPECT_EQ(desk.decide(), std::vector{expected});
     desk.procs = {app(7, "Foo").mb(300).cpu(24.9)};
     EXPECT_TRUE(desk.decide().empty());
@@ -157,15 +157,19 @@ TEST(Engine, NeverTouchesOthersFurnitureSystemOrLiveSessions) {
 
 TEST(Engine, AnAutomationBrowserIsSkippedAsAGroup) {
     Desk desk;
-    desk.procs = {app(7, "Google Chrome").mb(300),
-                  Making(8, "/Applications/Google Chrome.app/x --user-data-dir=/tmp/puppeteer chrome-devtools").mb(300)};
+    desk.procs = {
+        app(7, "Google Chrome").mb(300),
+        Making(8, "/Applications/Google Chrome.app/x --user-data-dir=/tmp/puppeteer chrome-devtools").mb(300)};
     EXPECT_TRUE(desk.decide().empty());
 }
 
 TEST(Engine, EndsWhatEndedSessionsLeftADayAgo) {
     Desk desk;
     desk.procs = {leftover(7).mb(10), leftover(8).mb(20).age(24 * hour), leftover(9).mb(40).age(24 * hour - 1)};
-    const Decision expected{Decision::Action::end, "agent leftovers", {7, 8}, 30 * fakes::MiB,
+    const Decision expected{Decision::Action::end,
+                            "agent leftovers",
+                            {7, 8},
+                            30 * fakes::MiB,
                             "2 processes from ended sessions, older than 24 h"};
     EXPECT_EQ(desk.decide(), std::vector{expected});
 }

@@ -12,7 +12,10 @@ TEST(Utf8, LowersTheAlphabetsThatHaveCases) {
 }
 
 TEST(Utf8, BytesOfNoScalarStayAsTheyAre) {
-    EXPECT_EQ(Utf8::lower("A\xff\xc3" "B\xe2\x82"), "a\xff\xc3" "b\xe2\x82");
+    EXPECT_EQ(Utf8::lower("A\xff\xc3"
+                          "B\xe2\x82"),
+              "a\xff\xc3"
+              "b\xe2\x82");
     std::size_t at = 0;
     EXPECT_EQ(Utf8::next("\xf0\x9f\x98\x80x", at), U'\U0001F600');
     EXPECT_EQ(at, 4u);

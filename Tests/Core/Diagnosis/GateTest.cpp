@@ -45,9 +45,7 @@ Finding gate(const Finding& finding, const std::vector<Proc>& procs, const KeepS
 
 }  // namespace
 
-TEST(Gate, LeavesASafeFindingAsItIs) {
-    EXPECT_EQ(gate(ending({7}), {Making(7, "/opt/x")}), ending({7}));
-}
+TEST(Gate, LeavesASafeFindingAsItIs) { EXPECT_EQ(gate(ending({7}), {Making(7, "/opt/x")}), ending({7})); }
 
 TEST(Gate, JudgesOnlyWhatEndsSomething) {
     Finding quit = ending({});

@@ -8,8 +8,8 @@ namespace ravik {
 using fakes::GiB;
 using fakes::Machine;
 using fakes::Making;
-using fakes::minute;
 using fakes::MiB;
+using fakes::minute;
 using Severity = Finding::Severity;
 using Ids = std::vector<std::string>;
 
@@ -36,10 +36,8 @@ Trend heldSince(double seconds, std::string group, std::uint64_t bytes) {
 
 /// An editor of 8 GiB whose extension host and its child hold `hostBytes` of it and `below`.
 Machine editor(std::uint64_t hostBytes, Making below = Making(30, "/opt/tsserver").mb(100)) {
-    return pressed({Making(10, code).bytes(8 * GiB - hostBytes), Making(20, plugin).name("Code Helper (Plugin)")
-                                                                     .parent(10)
-                                                                     .bytes(hostBytes),
-                    below.parent(20)});
+    return pressed({Making(10, code).bytes(8 * GiB - hostBytes),
+                    Making(20, plugin).name("Code Helper (Plugin)").parent(10).bytes(hostBytes), below.parent(20)});
 }
 
 }  // namespace
@@ -58,9 +56,9 @@ TEST(HolderCause, SpeaksOnlyWhenMemoryIsShort) {
 }
 
 TEST(HolderCause, AnAppThatHoldsMuchIsAskedToQuit) {
-    Machine machine = pressed({Making(7, app).name("App").mb(6000), Making(8, app).name("Helper").parent(7).mb(1373),
-                               Making(9, app).name("Third").parent(7).mb(5),
-                               Making(11, app).name("Fourth").parent(7).mb(1)});
+    Machine machine =
+        pressed({Making(7, app).name("App").mb(6000), Making(8, app).name("Helper").parent(7).mb(1373),
+                 Making(9, app).name("Third").parent(7).mb(5), Making(11, app).name("Fourth").parent(7).mb(1)});
     machine.ram = 24 * GiB;
     const auto finding = machine.finding("holder:App");
     ASSERT_TRUE(finding);
@@ -136,10 +134,10 @@ TEST(HolderCause, AnotherUsersGroupAndAClaimedOneAreSkipped) {
 }
 
 TEST(HolderCause, WithoutABundleItsRootsAreEnded) {
-    const auto finding = pressed({Making(8, "node /srv/server.js").parent(7).bytes(GiB),
-                                  Making(7, "node /srv/server.js").bytes(5 * GiB),
-                                  Making(9, "node /x/server.js").bytes(GiB)})
-                             .finding("holder:node: server.js");
+    const auto finding =
+        pressed({Making(8, "node /srv/server.js").parent(7).bytes(GiB), Making(7, "node /srv/server.js").bytes(5 * GiB),
+                 Making(9, "node /x/server.js").bytes(GiB)})
+            .finding("holder:node: server.js");
     ASSERT_TRUE(finding);
     EXPECT_EQ(finding->remedy, Remedy(KillTrees{{7, 9}}));
     EXPECT_EQ(finding->gainBytes, 7 * GiB);
@@ -231,13 +229,13 @@ TEST(ExtensionHost, OfEqualOnesTheFirstIsTaken) {
 }
 
 TEST(ExtensionHost, OnlyTheTwoEditorsHaveOne) {
-    Machine machine = pressed({Making(10, app).bytes(GiB),
-                               Making(20, "/Applications/App.app/App Helper (Plugin) extension-host").parent(10)
-                                   .bytes(7 * GiB)});
+    Machine machine =
+        pressed({Making(10, app).bytes(GiB),
+                 Making(20, "/Applications/App.app/App Helper (Plugin) extension-host").parent(10).bytes(7 * GiB)});
     EXPECT_EQ(machine.finding("holder:App")->remedy, Remedy(QuitApp{"App"}));
-    machine.procs = {Making(10, "/Applications/Cursor.app/Cursor").bytes(GiB),
-                     Making(20, "/Applications/Cursor.app/Cursor Helper (Plugin) extension-host").parent(10)
-                         .bytes(7 * GiB)};
+    machine.procs = {
+        Making(10, "/Applications/Cursor.app/Cursor").bytes(GiB),
+        Making(20, "/Applications/Cursor.app/Cursor Helper (Plugin) extension-host").parent(10).bytes(7 * GiB)};
     EXPECT_EQ(machine.finding("holder:Cursor")->remedy, Remedy(KillTrees{{20}}));
 }
 

@@ -72,11 +72,10 @@ TEST(LeftoversCause, WhereAllAreKeptEachIsAKeptOrphan) {
 }
 
 TEST(AutomationCause, TellsWhichBrowserFromWhomAndHowLong) {
-    const auto finding = with({Making(5, "node /srv/test.js").mb(1),
-                               Making(9, automated() + " --type=renderer").parent(7).mb(30),
-                               Making(7, automated()).parent(5).age(3 * hour).mb(100),
-                               Making(8, "/opt/crashpad").parent(9).mb(2)})
-                             .finding("automation:7");
+    const auto finding =
+        with({Making(5, "node /srv/test.js").mb(1), Making(9, automated() + " --type=renderer").parent(7).mb(30),
+              Making(7, automated()).parent(5).age(3 * hour).mb(100), Making(8, "/opt/crashpad").parent(9).mb(2)})
+            .finding("automation:7");
     ASSERT_TRUE(finding);
     EXPECT_EQ(finding->severity, Severity::warn);
     EXPECT_EQ(finding->title,
@@ -96,10 +95,9 @@ TEST(AutomationCause, OnlyTheTopOfTheTreeIsReported) {
 
 TEST(AutomationCause, AnAdoptedBrowserNamesItsAdopterWhereItIsSeen) {
     EXPECT_EQ(with({Making(7, automated()).parent(1)}).finding("automation:7")->startedBy, "an ended session");
-    EXPECT_EQ(with({Making(1, "/sbin/launchd").uid(0), Making(7, automated()).parent(1)})
-                  .finding("automation:7")
-                  ->startedBy,
-              "[0] launchd");
+    EXPECT_EQ(
+        with({Making(1, "/sbin/launchd").uid(0), Making(7, automated()).parent(1)}).finding("automation:7")->startedBy,
+        "[0] launchd");
 }
 
 TEST(AutomationCause, TheProfileTellsItFromTheUsersOwnBrowser) {
@@ -146,9 +144,9 @@ TEST(DatabaseCause, AnOrphanedDatabaseCanNeverBeEnded) {
 
 TEST(OrphanCause, TellsWhatRunsWithNoTerminal) {
     const std::string command = "/Users/me/bin/serve " + std::string(100, 'x');
-    const auto finding = with({Making(7, command).parent(1).mb(12).age(50 * hour),
-                               Making(8, "/opt/child").parent(7).mb(500)})
-                             .finding("orphan:7");
+    const auto finding =
+        with({Making(7, command).parent(1).mb(12).age(50 * hour), Making(8, "/opt/child").parent(7).mb(500)})
+            .finding("orphan:7");
     ASSERT_TRUE(finding);
     EXPECT_EQ(finding->severity, Severity::warn);
     EXPECT_EQ(finding->title, "serve has run 2 days with no terminal");

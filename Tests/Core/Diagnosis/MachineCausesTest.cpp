@@ -70,9 +70,9 @@ TEST(VirtualMachineCause, IsToldByTheGroupsNameInItsExactCase) {
 }
 
 TEST(BrowserCause, TellsHowLongAndGivesBackHalf) {
-    const auto finding = with({Making(7, chrome).bytes(5 * GiB).age(13 * hour),
-                               Making(8, chrome).parent(7).bytes(GiB + 1).age(hour)})
-                             .finding("browser:Google Chrome");
+    const auto finding =
+        with({Making(7, chrome).bytes(5 * GiB).age(13 * hour), Making(8, chrome).parent(7).bytes(GiB + 1).age(hour)})
+            .finding("browser:Google Chrome");
     ASSERT_TRUE(finding);
     EXPECT_EQ(finding->severity, Severity::warn);
     EXPECT_EQ(finding->title, "Google Chrome has been open 13 h and holds 6.0 GB");

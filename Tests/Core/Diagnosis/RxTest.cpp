@@ -29,8 +29,8 @@ TEST(Rx, VersionStandsAtTheStart) {
 }
 
 TEST(Rx, KnowsWhatAgentSessionsLeave) {
-    for (const char* command : {"/a/mcp-server", "/h/.npm/_npx/1/x", "node playwright", "chrome-devtools-x",
-                                "/h/.claude/hooks/x"}) {
+    for (const char* command :
+         {"/a/mcp-server", "/h/.npm/_npx/1/x", "node playwright", "chrome-devtools-x", "/h/.claude/hooks/x"}) {
         EXPECT_TRUE(Rx::agentLeftover().matches(command)) << command;
     }
     EXPECT_FALSE(Rx::agentLeftover().matches("/Users/me/bin/backup.sh"));
@@ -75,8 +75,6 @@ TEST(Rx, AnswersSeveralThreadsAtOnce) {
     for (const int count : hits) EXPECT_EQ(count, 1000);
 }
 
-TEST(RxDeathTest, APatternThatDoesNotCompileEndsTheProgram) {
-    EXPECT_DEATH(Regex("("), "missing closing parenthesis");
-}
+TEST(RxDeathTest, APatternThatDoesNotCompileEndsTheProgram) { EXPECT_DEATH(Regex("("), "missing closing parenthesis"); }
 
 }  // namespace ravik

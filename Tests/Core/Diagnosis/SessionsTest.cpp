@@ -21,9 +21,9 @@ TEST(Sessions, NoToolAndNoLeftoverMakeNone) {
 }
 
 TEST(Sessions, AToolHasItsWholeTreeRootFirst) {
-    const auto found = sessions({Making(13, "c").parent(12).mb(1), Making(12, "b").parent(11).mb(2),
-                                 Making(11, "claude").mb(4), Making(14, "d").parent(11).mb(8),
-                                 Making(15, "e").parent(12).mb(16), Making(16, "other").mb(32)});
+    const auto found =
+        sessions({Making(13, "c").parent(12).mb(1), Making(12, "b").parent(11).mb(2), Making(11, "claude").mb(4),
+                  Making(14, "d").parent(11).mb(8), Making(15, "e").parent(12).mb(16), Making(16, "other").mb(32)});
     ASSERT_EQ(found.size(), 1u);
     EXPECT_EQ(found[0].id, 11);
     EXPECT_EQ(found[0].tool, "claude");
@@ -63,8 +63,7 @@ TEST(Sessions, AYoungLeftoverIsNotReportedYet) {
 
 TEST(Sessions, AWalkEndsWhereItMeetsItsRootAgain) {
     const auto found = sessions({Making(11, "claude").parent(13), Making(12, "x").parent(11),
-                                 Making(13, "y").parent(12),
-                                 Making(30, "codex").parent(30)});
+                                 Making(13, "y").parent(12), Making(30, "codex").parent(30)});
     ASSERT_EQ(found.size(), 2u);
     EXPECT_EQ(fakes::pids(found[0].members), (Pids{11, 12, 13}));
     EXPECT_EQ(fakes::pids(found[1].members), (Pids{30}));

@@ -52,8 +52,8 @@ TEST(Orphans, WhatTheServiceManagerRunsIsNone) {
 }
 
 TEST(Orphans, InstalledProgramsAreNone) {
-    for (const char* command : {"/System/x", "/Applications/x", "/Library/x", "/usr/local/bin/x", "/sbin/x",
-                                "/bin/x"}) {
+    for (const char* command :
+         {"/System/x", "/Applications/x", "/Library/x", "/usr/local/bin/x", "/sbin/x", "/bin/x"}) {
         EXPECT_FALSE(Scene().isOrphan(adopted(command))) << command;
     }
     for (const char* command : {"/opt/homebrew/bin/x", "/Users/me/x", "x /usr/bin/y", ""}) {
@@ -105,10 +105,9 @@ TEST(Orphans, OnLinuxADesktopApplicationIsNone) {
 }
 
 TEST(Orphans, OnLinuxAWindowOrALiveConnectionExemptsTheWholeLine) {
-    const std::vector<Proc> procs{Making(7, "/home/me/a").parent(1).uid(1000),
-                                  Making(8, "/home/me/b").parent(7).uid(1000),
-                                  Making(9, "/home/me/c").parent(8).uid(1000),
-                                  Making(10, "/home/me/d").parent(1).uid(1000)};
+    const std::vector<Proc> procs{
+        Making(7, "/home/me/a").parent(1).uid(1000), Making(8, "/home/me/b").parent(7).uid(1000),
+        Making(9, "/home/me/c").parent(8).uid(1000), Making(10, "/home/me/d").parent(1).uid(1000)};
     Scene scene = onLinux();
     EXPECT_EQ(scene.orphans(procs), (Pids{7, 10}));
     scene.host.engaged = {9};
@@ -150,9 +149,7 @@ TEST(Hogs, LeaveOutTheSystemAndItsApps) {
     EXPECT_EQ(hogs(Making(7, "/usr/lib/systemd/x").uid(1000).cpu(99), linuxHost()), 0u);
 }
 
-TEST(Breaches, CalmStatsBreachNothing) {
-    EXPECT_TRUE(Classifier::breaches(fakes::Machine::calm(), {}).empty());
-}
+TEST(Breaches, CalmStatsBreachNothing) { EXPECT_TRUE(Classifier::breaches(fakes::Machine::calm(), {}).empty()); }
 
 TEST(Breaches, EachLimitHasItsTextInFixedOrder) {
     SystemStats stats;

@@ -11,7 +11,6 @@ using ::testing::IsEmpty;
 using ::testing::Pair;
 using ::testing::SizeIs;
 
-
 class DiskScan : public DiskTree {
 protected:
     using Steps = std::vector<std::pair<int, int>>;
@@ -35,10 +34,10 @@ TEST_F(DiskScan, ACacheOfExactlyFiftyMebibytesIsLeftOut) {
 
 TEST_F(DiskScan, AnOwnedCacheSaysWhoDownloadsItAgain) {
     fill(home / "Library/Application Support/Claude/vm_bundles", 60 * MiB);
-    EXPECT_THAT(scan(HostKind::mac),
-                ElementsAre(Reclaimable{(home / "Library/Application Support/Claude/vm_bundles").string(),
-                                        "Claude app VM bundle", 60 * MiB,
-                                        "downloaded again when Claude next needs it"}));
+    EXPECT_THAT(
+        scan(HostKind::mac),
+        ElementsAre(Reclaimable{(home / "Library/Application Support/Claude/vm_bundles").string(),
+                                "Claude app VM bundle", 60 * MiB, "downloaded again when Claude next needs it"}));
 }
 
 TEST_F(DiskScan, TheCacheOfARunningOwnerIsSkipped) {
@@ -61,8 +60,8 @@ TEST_F(DiskScan, OnlySupersededBrowsersAreListed) {
     fill(parent / "chromium-1155", 30 * MiB);
     fill(parent / "firefox-9", 30 * MiB);
     fill(parent / ".links", 30 * MiB);
-    EXPECT_THAT(scan(), ElementsAre(Reclaimable{(parent / "chromium-1140").string(), "Old Playwright browser",
-                                                21 * MiB, "a newer chromium is installed"}));
+    EXPECT_THAT(scan(), ElementsAre(Reclaimable{(parent / "chromium-1140").string(), "Old Playwright browser", 21 * MiB,
+                                                "a newer chromium is installed"}));
 }
 
 TEST_F(DiskScan, AnOldBrowserOfExactlyTwentyMebibytesIsLeftOut) {

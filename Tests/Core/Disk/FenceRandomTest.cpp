@@ -110,9 +110,7 @@ protected:
             case 3: return path.substr(0, slash);
             case 4: return path + pick({"2", " ", "\n", ".", "-old", "\xff"});
             case 5: return path.substr(0, path.size() - 1);
-            case 6:
-                path[slash + 1] = static_cast<char>(path[slash + 1] ^ 0x20);
-                return path;
+            case 6: path[slash + 1] = static_cast<char>(path[slash + 1] ^ 0x20); return path;
             case 7: return path.substr(0, slash) + "/../" + path.substr(slash + 1);
             case 8: return path.substr(0, slash) + "/missing/.." + path.substr(slash);
             case 9: return path.substr(0, slash) + "//./" + path.substr(slash + 1) + "/.";
@@ -127,9 +125,10 @@ protected:
 
     std::string anywhere() {
         static const std::vector<std::string> names{
-            "Projects", "linked", "src", "a",    "b",   "c",     "build",    "node_modules", "..",           ".",
-            "dist",     "target", "lib", "venv", "etc", ".cache", "projects", ".claude",      "ms-playwright", "loop",
-            ".npm",     "_npx",   "",    "home", "Documents"};
+            "Projects", "linked",  "src",           "a",      "b",    "c",    "build", "node_modules",
+            "..",       ".",       "dist",          "target", "lib",  "venv", "etc",   ".cache",
+            "projects", ".claude", "ms-playwright", "loop",   ".npm", "_npx", "",      "home",
+            "Documents"};
         std::string path = pick({home.string(), home.string(), home.string(), outside.string(), ""});
         for (auto depth = m_random() % 6; depth > 0; --depth) path += "/" + pick(names);
         return path;
@@ -148,7 +147,7 @@ protected:
         for (const char* folder : {".cache/ms-playwright", ".claude/projects"}) {
             if (parent == split((home / folder).string()) && name[0] != '.') return true;
         }
-        static const std::vector<std::string> builds{"node_modules", ".next", ".turbo", "dist",       "build",
+        static const std::vector<std::string> builds{"node_modules", ".next", ".turbo", "dist",        "build",
                                                      "target",       ".venv", "venv",   "DerivedData", ".pytest_cache"};
         if (std::ranges::find(builds, name) == builds.end()) return false;
         for (const char* root : {"Projects", "src"}) {

@@ -70,8 +70,8 @@ TEST_F(ProjectScan, AFolderWithNothingButBuildOutputIsIdleSinceTheDistantPast) {
     fill(path / "build", 30 * MiB);
     folder(path / ".git");
     // 1,760,000,000 s behind 1970 and 62,135,596,800 s before it: 739,532.37 days.
-    EXPECT_THAT(scan(), ElementsAre(Reclaimable{(path / "build").string(), "build", 30 * MiB,
-                                                "project idle 739532 days"}));
+    EXPECT_THAT(scan(),
+                ElementsAre(Reclaimable{(path / "build").string(), "build", 30 * MiB, "project idle 739532 days"}));
 }
 
 TEST_F(ProjectScan, OnlyDirectChildrenTellTheAge) {

@@ -175,8 +175,7 @@ TEST_F(ReclaimFence, ARunningOwnerKeepsItsCache) {
     running = {{.bundleName = "Claude", .localizedName = "Claude", .pid = 1}};
     const auto error = reclaimPath(bundle, HostKind::mac);
     ASSERT_TRUE(error);
-    EXPECT_EQ(description(*error),
-              "Claude is running and may be using it. Quit Claude first; nothing was changed.");
+    EXPECT_EQ(description(*error), "Claude is running and may be using it. Quit Claude first; nothing was changed.");
     EXPECT_THAT(trash.moved, IsEmpty());
     running.clear();
     EXPECT_FALSE(reclaimPath(bundle, HostKind::mac));
@@ -249,8 +248,8 @@ TEST_F(ReclaimFence, AFolderInWhichSomethingIsMountedStays) {
         if (mount("none", (build / "data").c_str(), "tmpfs", 0, nullptr) != 0) return 98;
         const auto error = reclaimPath(build);
         if (!error || !trash.moved.empty()) return 97;
-        const bool said = description(*error) == "Another file system is mounted in " + build.string() +
-                                                     ", so it was left where it is.";
+        const bool said = description(*error) ==
+                          "Another file system is mounted in " + build.string() + ", so it was left where it is.";
         return said ? 0 : 96;
     });
     EXPECT_EQ(outcome, 0);

@@ -349,10 +349,12 @@ TEST_F(ActionsTest, TheLastFixSurvivesARestart) {
 }
 
 TEST_F(ActionsTest, ALastFixWithoutAKeyOrOfAnotherTypeCountsAsAbsent) {
-    for (const json& stored : {json{{"line", "x"}}, json{{"at", "2026-03-01T09:30:15Z"}}, json{{"at", 5}, {"line", "x"}},
-                               json("x"), json{{"at", "2026-03-01T09:30:15Z"}, {"line", 5}}}) {
+    for (const json& stored :
+         {json{{"line", "x"}}, json{{"at", "2026-03-01T09:30:15Z"}}, json{{"at", 5}, {"line", "x"}}, json("x"),
+          json{{"at", "2026-03-01T09:30:15Z"}, {"line", 5}}}) {
         machine.defaults.values["lastFix"] = stored;
-        EXPECT_EQ(Monitor(machine.platform, logFolder.log, machine.host, Monitor::Role::reader).lastFix(), std::nullopt);
+        EXPECT_EQ(Monitor(machine.platform, logFolder.log, machine.host, Monitor::Role::reader).lastFix(),
+                  std::nullopt);
     }
 }
 

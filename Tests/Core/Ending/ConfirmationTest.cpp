@@ -20,14 +20,17 @@ Confirmation ask(std::vector<Finding> findings) {
 }  // namespace
 
 TEST(FreeConfirmation, NamesWhatEndsAndCountsItsProcesses) {
-    const Confirmation question = ask({finding("orphan:7", KillTrees{{7}}, 1500 * MiB),
-                                       finding("leftovers", KillTrees{{8, 9}}, 20 * MiB)});
+    const Confirmation question =
+        ask({finding("orphan:7", KillTrees{{7}}, 1500 * MiB), finding("leftovers", KillTrees{{8, 9}}, 20 * MiB)});
     EXPECT_EQ(question.title, "End 3 programs?");
     EXPECT_EQ(question.message, "Frees 1,520\u00a0MB. Only what passes the safety check ends.");
     EXPECT_EQ(question.verb, "End 3 programs");
     const std::vector<EvidenceLine> ends{
         {Tone::safe, "a", "Left running 2 h after its window closed.", "1,500\u00a0MB", {"a", "terminal"}},
-        {Tone::safe, "Leftovers from AI tools", "Left behind by coding sessions that have ended.", "20\u00a0MB",
+        {Tone::safe,
+         "Leftovers from AI tools",
+         "Left behind by coding sessions that have ended.",
+         "20\u00a0MB",
          {"b", "terminal"}}};
     EXPECT_EQ(question.ends, ends);
     EXPECT_TRUE(question.leftAlone.empty());
@@ -45,7 +48,9 @@ TEST(FreeConfirmation, EverythingElseStaysWithItsReason) {
         ask({both, cautioned(finding("orphan:8", KillTrees{{8}})), finding("browser:Arc", QuitApp{"Arc"}),
              finding("vm:Docker", Advice{"x"}), finding("disk", ScanDisk{})});
     ASSERT_EQ(question.leftAlone.size(), 5u);
-    const auto told = [&](std::size_t at) { return std::pair(question.leftAlone[at].tone, question.leftAlone[at].line); };
+    const auto told = [&](std::size_t at) {
+        return std::pair(question.leftAlone[at].tone, question.leftAlone[at].line);
+    };
     EXPECT_EQ(told(0), (std::pair<Tone, std::string>{Tone::never, "A database — never ended from a button."}));
     EXPECT_EQ(told(1), (std::pair<Tone, std::string>{Tone::caution, "Busy — it has its own button and asks first."}));
     EXPECT_EQ(told(2), (std::pair<Tone, std::string>{Tone::safe, "Quit it yourself when you are ready."}));

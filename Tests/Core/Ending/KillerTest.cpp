@@ -147,10 +147,9 @@ TEST_F(KillerTest, AStoppedTargetIsContinuedSoThatItHearsTerm) {
     machine.processes.find(201)->stopped = true;
     const Time before = machine.clock.now();
     EXPECT_EQ(kill(200, list()), Pids{});
-    EXPECT_EQ(sent(), (Sent{{200, Signal::terminate},
-                            {201, Signal::terminate},
-                            {202, Signal::terminate},
-                            {201, Signal::resume}}));
+    EXPECT_EQ(
+        sent(),
+        (Sent{{200, Signal::terminate}, {201, Signal::terminate}, {202, Signal::terminate}, {201, Signal::resume}}));
     EXPECT_NEAR(machine.clock.now() - before, 0.2, 1e-6);
 }
 

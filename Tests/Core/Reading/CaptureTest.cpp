@@ -15,7 +15,7 @@ using nlohmann::json;
 namespace {
 
 json process(Pid pid) {
-    return {{"id", pid},     {"ppid", 1},    {"uid", 501},          {"name", "x"},
+    return {{"id", pid},      {"ppid", 1},    {"uid", 501},          {"name", "x"},
             {"command", "x"}, {"started", 5}, {"footprintBytes", 7}, {"cpuPercent", 1.5}};
 }
 

@@ -96,10 +96,10 @@ TEST(ReplayResult, HasEveryKeyWhateverTheReading) {
     std::vector<std::string> keys;
     for (const auto& [key, value] : result.items()) keys.push_back(key);
     const std::vector<std::string> expected{
-        "alertCauses", "breaches",     "conditions",        "confirmation", "decisions", "findings", "freeable",
-        "freeableBytes", "gapLine",    "glyph",             "groups",       "hogs",      "info",     "logLines",
-        "memory",      "notification", "orphans",           "reclaimableBytes", "rows",  "sections", "sessions",
-        "trendAfter"};
+        "alertCauses", "breaches",      "conditions", "confirmation", "decisions", "findings",
+        "freeable",    "freeableBytes", "gapLine",    "glyph",        "groups",    "hogs",
+        "info",        "logLines",      "memory",     "notification", "orphans",   "reclaimableBytes",
+        "rows",        "sections",      "sessions",   "trendAfter"};
     EXPECT_EQ(keys, expected);
     EXPECT_EQ(result["glyph"]["label"], "Ravik, nothing to free");
 }

@@ -94,11 +94,11 @@ TEST_F(DiagnosticsTest, TheBundleHoldsLogsReportsAndOneLineAboutTheProgram) {
     EXPECT_EQ(archive.file, bundle.zip);
     EXPECT_EQ(archive.folder, temporary / "Ravik-feedback-1772357415");
     const std::string top = "Ravik-feedback-1772357415/";
-    EXPECT_THAT(archive.packed, ElementsAre(Pair(top + "about.txt", "Ravik 1.2 · macOS 14.4\n"),
-                                            Pair(top + "crashes/", ""), Pair(top + "crashes/Ravik", "hang"),
-                                            Pair(top + "crashes/Ravik-2026-03-01.ips", "crash"),
-                                            Pair(top + "logs/", ""), Pair(top + "logs/2026-02-28.jsonl", "{}\n{}\n"),
-                                            Pair(top + "logs/2026-03-01.jsonl", "{}\n")));
+    EXPECT_THAT(archive.packed,
+                ElementsAre(Pair(top + "about.txt", "Ravik 1.2 · macOS 14.4\n"), Pair(top + "crashes/", ""),
+                            Pair(top + "crashes/Ravik", "hang"), Pair(top + "crashes/Ravik-2026-03-01.ips", "crash"),
+                            Pair(top + "logs/", ""), Pair(top + "logs/2026-02-28.jsonl", "{}\n{}\n"),
+                            Pair(top + "logs/2026-03-01.jsonl", "{}\n")));
     EXPECT_TRUE(fs::is_empty(temporary));
 }
 
@@ -142,8 +142,7 @@ TEST_F(DiagnosticsTest, NobodyElseCanLookIntoWhatIsPacked) {
 
 TEST_F(DiagnosticsTest, AFolderThatIsAlreadyThereIsNeitherUsedNorRemoved) {
     write(temporary / "Ravik-feedback-1772357415/mine", "kept");
-    EXPECT_EQ(make().error,
-              (temporary / "Ravik-feedback-1772357415").string() + " could not be made (File exists).");
+    EXPECT_EQ(make().error, (temporary / "Ravik-feedback-1772357415").string() + " could not be made (File exists).");
     EXPECT_TRUE(fs::exists(temporary / "Ravik-feedback-1772357415/mine"));
     EXPECT_THAT(archive.packed, IsEmpty());
 }

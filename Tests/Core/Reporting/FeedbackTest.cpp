@@ -92,8 +92,7 @@ TEST_F(FeedbackTest, SaysWhatItRanOn) {
     Host linux;
     linux.kind = HostKind::linux;
     const Host mac;
-    EXPECT_EQ(Feedback::about(linux, "0.1.0", "ID=debian\nVERSION_ID=\"12\"\n"),
-              "Ravik 0.1.0 · Linux debian 12");
+    EXPECT_EQ(Feedback::about(linux, "0.1.0", "ID=debian\nVERSION_ID=\"12\"\n"), "Ravik 0.1.0 · Linux debian 12");
     EXPECT_EQ(Feedback::about(linux, "0.1.0", ""), "Ravik 0.1.0 · Linux");
     EXPECT_EQ(Feedback::about(mac, "0.1.0", "Version 14.4 (Build 23E214)"),
               "Ravik 0.1.0 · macOS Version 14.4 (Build 23E214)");

@@ -70,7 +70,8 @@ protected:
         return *m_monitor;
     }
     void make(Asker& answers) {
-        model = std::make_unique<DiagnosisModel>(monitor(), actions.emplace_back(monitor(), answers), [this] { ++disksOpened; });
+        model = std::make_unique<DiagnosisModel>(monitor(), actions.emplace_back(monitor(), answers),
+                                                 [this] { ++disksOpened; });
     }
     DiagnosisModel& made() {
         if (!model) make(asker);

@@ -201,8 +201,7 @@ TEST(DiagnosisScreen, ACardSaysWhomItIsAboutAndWhatItGivesBack) {
     EXPECT_EQ(card.button->help, "ends 2 processes");
     EXPECT_TRUE(card.button->isEnabled);
     EXPECT_TRUE(card.instead.empty());
-    EXPECT_EQ(card.accessible,
-              "a.js. Verdict: safe. Left running 2 h after its window closed. 600\u00a0MB back");
+    EXPECT_EQ(card.accessible, "a.js. Verdict: safe. Left running 2 h after its window closed. 600\u00a0MB back");
 }
 
 TEST(DiagnosisScreen, TheMarkFollowsTheVerdict) {

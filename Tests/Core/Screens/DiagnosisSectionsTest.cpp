@@ -26,9 +26,9 @@ Shown shown(std::vector<Finding> findings, const std::unordered_set<std::string>
 }  // namespace
 
 TEST(DiagnosisSections, SortTheFindingsByWhatMayBeDone) {
-    EXPECT_EQ(shown({finding("disk", ScanDisk{}), finding("orphan:1", KillTrees{{1}}), finding("browser:Arc", QuitApp{"Arc"}),
-                     cautioned(finding("orphan:2", KillTrees{{2}})), finding("vm:x", Advice{}),
-                     finding("orphan:3", KillTrees{{3}})}),
+    EXPECT_EQ(shown({finding("disk", ScanDisk{}), finding("orphan:1", KillTrees{{1}}),
+                     finding("browser:Arc", QuitApp{"Arc"}), cautioned(finding("orphan:2", KillTrees{{2}})),
+                     finding("vm:x", Advice{}), finding("orphan:3", KillTrees{{3}})}),
               (Shown{{"Safe to end", {"orphan:1", "orphan:3"}},
                      {"Busy — asks first", {"orphan:2"}},
                      {"Quit when you are ready", {"browser:Arc"}},

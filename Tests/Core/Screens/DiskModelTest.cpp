@@ -12,10 +12,10 @@
 
 namespace ravik {
 
+using nlohmann::json;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-using nlohmann::json;
 namespace fs = std::filesystem;
 
 class DiskModelTest : public DiskTree {
@@ -180,11 +180,13 @@ TEST_F(DiskModelTest, ARefusedRowIsNamedAndTheNextStillMoves) {
     const auto model = scanned();
     tickAll(*model);
     // It starts while the question stands.
-    asker.whileAsked = [&] { machine.workspace.apps.push_back({.app = {.bundleName = "", .localizedName = "Claude", .pid = 9}}); };
+    asker.whileAsked = [&] {
+        machine.workspace.apps.push_back({.app = {.bundleName = "", .localizedName = "Claude", .pid = 9}});
+    };
     spawn(model->trashChecked());
     const std::string why = "Claude is running and may be using it. Quit Claude first; nothing was changed.";
     EXPECT_EQ(model->phase(), DiskModel::Phase(DiskModel::Failed{"Could not move Claude app VM bundle to the Trash: " +
-                                                                why + " Nothing else was changed."}));
+                                                                 why + " Nothing else was changed."}));
     EXPECT_THAT(machine.trash.moved, ElementsAre(home / ".npm/_npx"));
     EXPECT_EQ(model->trashed(), "Moved 0.2 GB to the Trash");
     ASSERT_THAT(model->items(), SizeIs(1));
@@ -206,8 +208,9 @@ TEST_F(DiskModelTest, NothingMovedLeavesTheLastSentence) {
     model->setChecked((home / ".cache/uv").string(), true);
     spawn(model->trashChecked());
     EXPECT_EQ(model->trashed(), "Moved 0.2 GB to the Trash");
-    EXPECT_EQ(model->phase(), DiskModel::Phase(DiskModel::Failed{
-                                  "Could not move uv cache to the Trash: The Trash is full. Nothing else was changed."}));
+    EXPECT_EQ(model->phase(),
+              DiskModel::Phase(DiskModel::Failed{
+                  "Could not move uv cache to the Trash: The Trash is full. Nothing else was changed."}));
     EXPECT_THAT(model->failures(), SizeIs(1));
 }
 

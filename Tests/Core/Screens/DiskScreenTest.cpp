@@ -33,8 +33,8 @@ protected:
 };
 
 TEST_F(DiskScreenTest, StartsWithFreeSpaceAndTheHelp) {
-    EXPECT_EQ(hero(model, 123ull << 30), (Hero{"123", "GB", "free on your disk",
-                                               "A scan finds caches and old build folders you can delete."}));
+    EXPECT_EQ(hero(model, 123ull << 30),
+              (Hero{"123", "GB", "free on your disk", "A scan finds caches and old build folders you can delete."}));
     EXPECT_THAT(buttons(model), ElementsAre(Button{"Scan", true}));
     EXPECT_EQ(body(model), (Body{BodyKind::help, "", 0}));
 }
@@ -65,8 +65,8 @@ TEST_F(DiskScreenTest, ShowsTheRowsInATable) {
     fill(home / ".cache/uv", 60 * MiB);
     model.scan();
     machine.loop.settle();
-    EXPECT_EQ(hero(model, 0), (Hero{"1.3", "GB", "you can free on disk",
-                                    "Tick what to move to the Trash. You can put it back."}));
+    EXPECT_EQ(hero(model, 0),
+              (Hero{"1.3", "GB", "you can free on disk", "Tick what to move to the Trash. You can put it back."}));
     EXPECT_EQ(body(model).kind, BodyKind::table);
     EXPECT_THAT(buttons(model), ElementsAre(Button{"Scan again", true}, Button{"Move to Trash…", false}));
     const std::string npx = (home / ".npm/_npx").string();

@@ -20,8 +20,8 @@ MemoryPicture picture(std::vector<MemoryPicture::Segment> segments, std::uint64_
 }  // namespace
 
 TEST(MemoryBarFace, PutsTheAppsSideBySideWithTheirPartsInside) {
-    const MemoryBarFace bar(picture({{"Arc", "Arc", {}, 8 * GiB, 1 * GiB, 4 * GiB, {}},
-                                     {"rest", "Everything else", {}, 4 * GiB, 0, 0, {}}}));
+    const MemoryBarFace bar(picture(
+        {{"Arc", "Arc", {}, 8 * GiB, 1 * GiB, 4 * GiB, {}}, {"rest", "Everything else", {}, 4 * GiB, 0, 0, {}}}));
     ASSERT_EQ(bar.segments.size(), 2u);
     EXPECT_EQ(bar.segments[0].start, 0);
     EXPECT_EQ(bar.segments[0].stays, 3.0 / 16);

@@ -54,8 +54,8 @@ TEST(ProcessRows, AnAppRowSumsItsProcesses) {
 
 TEST(ProcessRows, AppsThatMayNotBeTouchedSayWhy) {
     Machine machine;
-    machine.procs = {app(7, "Finder"), app(8, "Foo").uid(0), Making(9, "/System/Library/x"), Making(10, "/sbin/y"),
-                     app(11, "Mixed"), Making(12, "/System/Library/Mixed.app/z")};
+    machine.procs = {app(7, "Finder"),      app(8, "Foo").uid(0), Making(9, "/System/Library/x"),
+                     Making(10, "/sbin/y"), app(11, "Mixed"),     Making(12, "/System/Library/Mixed.app/z")};
     const auto apps = rows(machine, Scope::apps, {}, {"Finder", "[0] Foo", "x", "Mixed"});
     EXPECT_EQ(mark(apps, "app:Finder"), (Mark{Tone::never, "protected"}));
     EXPECT_EQ(mark(apps, "app:[0] Foo"), (Mark{Tone::never, "not yours"}));

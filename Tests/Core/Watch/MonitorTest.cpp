@@ -175,7 +175,8 @@ TEST_F(MonitorTest, AReaderTakesOverWhenTheLockIsFree) {
     machine.watchLock.refusal = WatchLock::Refusal{812, "ravik watch (process 812) already watches."};
     const auto monitor = make(Monitor::Role::reader);
     int changes = 0;
-    const auto observing = monitor->observe([&](Monitor::Change change) { changes += change == Monitor::Change::role; });
+    const auto observing =
+        monitor->observe([&](Monitor::Change change) { changes += change == Monitor::Change::role; });
     monitor->takeOverWhenFree();
     monitor->start();
     machine.loop.runFor(12);
@@ -332,10 +333,10 @@ TEST_F(MonitorTest, AStoredThresholdsValueIsRewrittenAtOnce) {
 
 TEST_F(MonitorTest, AnUnreadableThresholdsValueStaysAsItIs) {
     for (const json& stored : {json("nonsense"), json{{"swapGB", 4}}, [] {
-             json wrong = Thresholds{}.encode();
-             wrong["diskFreeGB"] = "many";
-             return wrong;
-         }()}) {
+                                   json wrong = Thresholds{}.encode();
+                                   wrong["diskFreeGB"] = "many";
+                                   return wrong;
+                               }()}) {
         machine.defaults.values["thresholds"] = stored;
         EXPECT_EQ(make()->thresholds(), Thresholds{});
         EXPECT_EQ(machine.defaults.values["thresholds"], stored);
@@ -387,8 +388,7 @@ TEST_F(MonitorTest, LimitsTakenAwayByAnotherProcessFallBackToTheDefaults) {
 TEST_F(MonitorTest, AFixByAnotherProcessIsTheLastFixFromTheNextTick) {
     const auto monitor = make();
     int told = 0;
-    const auto held =
-        monitor->observe([&](Monitor::Change change) { told += change == Monitor::Change::lastFix; });
+    const auto held = monitor->observe([&](Monitor::Change change) { told += change == Monitor::Change::lastFix; });
     monitor->start();
     machine.clock.advance(0.5);
     monitor->recordFix("Ended 1 process, freed 80 MB");

@@ -97,8 +97,8 @@ TEST(ThresholdField, BothEndsOfEachRangeAreAccepted) {
         const char* key;
         double low, high;
     };
-    const Range ranges[] = {{"swapGB", 1, 128},      {"swapOutMBps", 1, 1000},     {"memoryFreePct", 1, 99},
-                            {"diskFreeGB", 1, 1000}, {"loadPerCore", 0.5, 16},     {"orphanMinHours", 0.25, 168},
+    const Range ranges[] = {{"swapGB", 1, 128},       {"swapOutMBps", 1, 1000}, {"memoryFreePct", 1, 99},
+                            {"diskFreeGB", 1, 1000},  {"loadPerCore", 0.5, 16}, {"orphanMinHours", 0.25, 168},
                             {"hogCPUPercent", 5, 800}};
     std::size_t at = 0;
     for (const auto& [key, low, high] : ranges) {

@@ -45,8 +45,8 @@ TEST(CardFace, ANameThatSplitsInThreeStaysWhole) {
 }
 
 TEST(CardFace, TheAutomationBrowserLosesItsMakersName) {
-    const Finding hidden = titled(finding("automation:7", KillTrees{{7}}),
-                                  "A hidden automation Google Chrome from node has run 2 h");
+    const Finding hidden =
+        titled(finding("automation:7", KillTrees{{7}}), "A hidden automation Google Chrome from node has run 2 h");
     const CardFace face = faceOf(hidden, {Making(7, "/Applications/Google Chrome.app/x"), Making(8, "y").parent(7)});
     EXPECT_EQ(face.name, "Hidden automation Chrome");
     EXPECT_EQ(face.sub, "pid 7 · 2 processes");
@@ -55,9 +55,9 @@ TEST(CardFace, TheAutomationBrowserLosesItsMakersName) {
 }
 
 TEST(CardFace, AnAppIsTheUsersOwnInstance) {
-    const CardFace face = faceOf(finding("browser:Arc", QuitApp{"Arc"}),
-                                 {Making(7, "/Applications/Arc.app/x").mb(30).age(hour),
-                                  Making(8, "/Applications/Arc.app/y").mb(10).age(5 * hour)});
+    const CardFace face =
+        faceOf(finding("browser:Arc", QuitApp{"Arc"}), {Making(7, "/Applications/Arc.app/x").mb(30).age(hour),
+                                                        Making(8, "/Applications/Arc.app/y").mb(10).age(5 * hour)});
     EXPECT_EQ(face.name, "Arc");
     EXPECT_EQ(face.sub, "2 processes · your own instance");
     EXPECT_EQ(face.icon.app, "Arc");
@@ -86,8 +86,9 @@ TEST(CardFace, SessionsHoldWhatTheLiveOnesHold) {
 }
 
 TEST(CardFace, ADatabaseIsShownByItsProcessWhileThatLives) {
-    const Finding database = titled(forbidden(finding("db:7"), "a database server: force-killing one means crash recovery"),
-                                    "postgres has run 2 h with no terminal", "pid 7 · 30 MB · postgres -D /x");
+    const Finding database =
+        titled(forbidden(finding("db:7"), "a database server: force-killing one means crash recovery"),
+               "postgres has run 2 h with no terminal", "pid 7 · 30 MB · postgres -D /x");
     const CardFace living = faceOf(database, {Making(7, "/opt/x/postgres -D /x").mb(30)});
     EXPECT_EQ(living.name, "postgres");
     EXPECT_EQ(living.sub, "pid 7");
@@ -100,7 +101,8 @@ TEST(CardFace, ADatabaseIsShownByItsProcessWhileThatLives) {
 }
 
 TEST(CardFace, TheMachinesOwnCausesHaveSymbols) {
-    const CardFace disk = faceOf(titled(finding("disk", ScanDisk{}), "Only 9 GB of disk is free — swap cannot grow", "a"), {});
+    const CardFace disk =
+        faceOf(titled(finding("disk", ScanDisk{}), "Only 9 GB of disk is free — swap cannot grow", "a"), {});
     EXPECT_EQ(disk.name, "Only 9 GB of disk");
     EXPECT_EQ(disk.sub, "a");
     EXPECT_EQ(disk.icon.symbol, "internaldrive");
@@ -111,8 +113,9 @@ TEST(CardFace, TheMachinesOwnCausesHaveSymbols) {
 }
 
 TEST(CardFace, AVirtualMachineIsItsGroup) {
-    const CardFace face = faceOf(titled(finding("vm:Docker"), "Docker holds 4.0 GB — 25% of your RAM", "2 processes · a VM"),
-                                 {Making(7, "/Applications/Docker.app/x").mb(4096).age(3 * hour)});
+    const CardFace face =
+        faceOf(titled(finding("vm:Docker"), "Docker holds 4.0 GB — 25% of your RAM", "2 processes · a VM"),
+               {Making(7, "/Applications/Docker.app/x").mb(4096).age(3 * hour)});
     EXPECT_EQ(face.name, "Docker");
     EXPECT_EQ(face.sub, "2 processes · a VM");
     EXPECT_EQ(face.heldBytes, 4096 * MiB);
@@ -140,10 +143,10 @@ TEST(AppIcons, AForeignGroupFallsBackToAGear) {
 
 TEST(AppIcons, TheTintFollowsTheSumOfTheScalars) {
     EXPECT_EQ(AppIcons::tint(""), 0.13);
-    EXPECT_EQ(AppIcons::tint("a"), 0.19);   // 97 = 3 * 32 + 1
+    EXPECT_EQ(AppIcons::tint("a"), 0.19);  // 97 = 3 * 32 + 1
     EXPECT_EQ(AppIcons::tint("b"), 0.25);
     EXPECT_EQ(AppIcons::tint("c"), 0.13);
-    EXPECT_EQ(AppIcons::tint("é"), 0.25);   // 233 = 3 * 77 + 2
+    EXPECT_EQ(AppIcons::tint("é"), 0.25);  // 233 = 3 * 77 + 2
 }
 
 TEST(AppIcons, EachIconIsLookedForOnce) {

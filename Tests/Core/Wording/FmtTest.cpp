@@ -33,7 +33,10 @@ TEST(Fmt, RamIsRoundedToWholeGigabytes) {
 TEST(Fmt, CutsBetweenUnicodeScalars) {
     EXPECT_EQ(Fmt::firstScalars("aé€😀b", 4), "aé€😀");
     EXPECT_EQ(Fmt::firstScalars("ab", 5), "ab");
-    EXPECT_EQ(Fmt::firstScalars("\xff\xff" "a", 2), "\xff\xff");
+    EXPECT_EQ(Fmt::firstScalars("\xff\xff"
+                                "a",
+                                2),
+              "\xff\xff");
 }
 
 }  // namespace ravik

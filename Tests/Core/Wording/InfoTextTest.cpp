@@ -61,9 +61,7 @@ TEST(InfoText, OnLinuxTheNounsAreTheComputers) {
 }
 
 TEST(InfoText, EveryPageHasItsSections) {
-    const auto count = [](Destination destination) {
-        return InfoText::sections(destination, {}, 0, macHost()).size();
-    };
+    const auto count = [](Destination destination) { return InfoText::sections(destination, {}, 0, macHost()).size(); };
     EXPECT_EQ(count(Destination::diagnosis), 8u);
     EXPECT_EQ(count(Destination::sessions), 4u);
     EXPECT_EQ(count(Destination::processes), 4u);

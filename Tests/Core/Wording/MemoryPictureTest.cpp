@@ -43,13 +43,14 @@ using Ids = std::vector<std::string>;
 TEST(MemoryPicture, MarksWhatFreeEndsAndWhatQuittingGivesBack) {
     Scene scene;
     scene.procs = {app(7, "Arc").mb(6000), app(8, "Foo").mb(3000)};
-    scene.findings = {finding("browser:Arc", QuitApp{"Arc"}, 3000 * MiB), finding("orphan:8", KillTrees{{8}}, 500 * MiB)};
+    scene.findings = {finding("browser:Arc", QuitApp{"Arc"}, 3000 * MiB),
+                      finding("orphan:8", KillTrees{{8}}, 500 * MiB)};
     scene.stats.swapUsedBytes = 7;
     const MemoryPicture picture = scene.picture();
-    EXPECT_EQ(picture.segments,
-              (std::vector<Segment>{
-                  {"Arc", "Arc", IconRef{"Arc", "terminal"}, 6000 * MiB, 0, 3000 * MiB, {"browser:Arc"}},
-                  {"Foo", "Foo", IconRef{"Foo", "terminal"}, 3000 * MiB, 500 * MiB, 0, {"orphan:8"}}}));
+    EXPECT_EQ(
+        picture.segments,
+        (std::vector<Segment>{{"Arc", "Arc", IconRef{"Arc", "terminal"}, 6000 * MiB, 0, 3000 * MiB, {"browser:Arc"}},
+                              {"Foo", "Foo", IconRef{"Foo", "terminal"}, 3000 * MiB, 500 * MiB, 0, {"orphan:8"}}}));
     EXPECT_EQ(picture.ram, 16 * GiB);
     EXPECT_EQ(picture.swap, 7u);
     EXPECT_EQ(picture.held(), 9000 * MiB);
@@ -90,9 +91,13 @@ TEST(MemoryPicture, AHundredthOfTheMemoryGetsNoNameOfItsOwn) {
     scene.procs = {app(7, "Arc").mb(160)};
     scene.findings = {finding("orphan:7", KillTrees{{7}}, 160 * MiB)};
     const MemoryPicture picture = scene.picture();
-    EXPECT_EQ(picture.segments, (std::vector<Segment>{{"leftovers", "1 leftover",
+    EXPECT_EQ(picture.segments, (std::vector<Segment>{{"leftovers",
+                                                       "1 leftover",
                                                        IconRef{"", "chevron.left.forwardslash.chevron.right"},
-                                                       160 * MiB, 160 * MiB, 0, {"orphan:7"}}}));
+                                                       160 * MiB,
+                                                       160 * MiB,
+                                                       0,
+                                                       {"orphan:7"}}}));
 }
 
 TEST(MemoryPicture, LeftoversAreCountedByOwnerAndListedByFinding) {
@@ -112,7 +117,8 @@ TEST(MemoryPicture, LeftoversAreCountedByOwnerAndListedByFinding) {
 TEST(MemoryPicture, AnAppToQuitThatIsNotNamedGetsItsOwnSegment) {
     Scene scene;
     scene.procs = {app(7, "Arc").mb(6000), app(8, "Foo").mb(100)};
-    scene.findings = {finding("holder:Foo", QuitApp{"Foo"}, 100 * MiB), finding("holder:Bar", QuitApp{"Bar"}, 50 * MiB)};
+    scene.findings = {finding("holder:Foo", QuitApp{"Foo"}, 100 * MiB),
+                      finding("holder:Bar", QuitApp{"Bar"}, 50 * MiB)};
     const MemoryPicture picture = scene.picture();
     EXPECT_EQ(ids(picture), (Ids{"Arc", "Foo", "Bar"}));
     EXPECT_EQ(find(picture, "Foo")->bytes, 100 * MiB);
@@ -144,7 +150,8 @@ TEST(MemoryPicture, TheRestIsShownAboveAFiftiethOfTheMemory) {
 TEST(MemoryPicture, OnlyTheFirstAppsAreNamed) {
     Scene scene;
     for (Pid pid = 1; pid <= 8; ++pid) {
-        scene.procs.push_back(app(pid, std::string(1, static_cast<char>('A' + pid))).mb(1000 - static_cast<std::uint64_t>(pid)));
+        scene.procs.push_back(
+            app(pid, std::string(1, static_cast<char>('A' + pid))).mb(1000 - static_cast<std::uint64_t>(pid)));
     }
     EXPECT_EQ(ids(scene.picture(6)), (Ids{"B", "C", "D", "E", "F", "G", "rest"}));
 }

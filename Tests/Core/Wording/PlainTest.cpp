@@ -50,8 +50,7 @@ TEST(Plain, SpeaksOfTheHostsMachine) {
     const Cards cards(machine);
     EXPECT_EQ(cards.name(finding("indexing")), "File indexing");
     EXPECT_EQ(cards.sentence(finding("thrash")), "Your computer is writing memory to disk, which slows it.");
-    EXPECT_EQ(cards.sentence(finding("disk", ScanDisk{})),
-              "Low space slows your computer. Look for files to delete.");
+    EXPECT_EQ(cards.sentence(finding("disk", ScanDisk{})), "Low space slows your computer. Look for files to delete.");
 }
 
 TEST(Plain, SaysOneSentenceForEachCause) {

@@ -19,8 +19,12 @@ std::string gap(std::vector<Finding> findings) {
 
 std::optional<std::string> label(const Finding& finding) {
     Machine machine;
-    machine.procs = {Making(7, "a"), Making(8, "b").parent(7), Making(9, "c").parent(8), Making(10, "d").parent(7),
-                     Making(11, "e").parent(10), Making(12, "f")};
+    machine.procs = {Making(7, "a"),
+                     Making(8, "b").parent(7),
+                     Making(9, "c").parent(8),
+                     Making(10, "d").parent(7),
+                     Making(11, "e").parent(10),
+                     Making(12, "f")};
     return Words::remedyLabel(finding, Cards(machine).index);
 }
 
@@ -71,12 +75,12 @@ TEST(Words, EvidenceOfASafeTree) {
 }
 
 TEST(Words, EvidenceOfAnAutomationBrowserNamesItsProfile) {
-    const Finding hidden =
-        titled(finding("automation:7", KillTrees{{7}}),
-               "A hidden automation Google Chrome from node has run 2 h — your own Google Chrome may not open", "pid 7");
-    EXPECT_EQ(Words::evidence(hidden).at(0),
-              (std::pair<std::string, std::string>{"Profile",
-                                                   "temporary — an automation instance, not your Google Chrome"}));
+    const Finding hidden = titled(
+        finding("automation:7", KillTrees{{7}}),
+        "A hidden automation Google Chrome from node has run 2 h — your own Google Chrome may not open", "pid 7");
+    EXPECT_EQ(
+        Words::evidence(hidden).at(0),
+        (std::pair<std::string, std::string>{"Profile", "temporary — an automation instance, not your Google Chrome"}));
     EXPECT_EQ(Words::evidence(titled(hidden, "no such words"))[0].first, "Tree");
 }
 
@@ -93,12 +97,14 @@ TEST(Words, EvidenceOfWhatAsksStaysOrAdvises) {
     const auto row = [](const Finding& finding, std::size_t at) { return Words::evidence(finding).at(at); };
     using Row = std::pair<std::string, std::string>;
     EXPECT_EQ(row(cautioned(finding("orphan:7", KillTrees{{7}}), "x is actively working (9% CPU)"), 1),
-              (Row{"Why it asks first", "x is actively working (9% CPU). It may lose that work, so it gets its own "
-                                        "confirmation and is never part of Free."}));
+              (Row{"Why it asks first",
+                   "x is actively working (9% CPU). It may lose that work, so it gets its own "
+                   "confirmation and is never part of Free."}));
     const Finding never = forbidden(finding("orphan:7"), "a git operation in progress (git, pid 7)");
     EXPECT_EQ(row(never, 0).first, "Evidence");
-    EXPECT_EQ(row(never, 1), (Row{"Why it stays", "a git operation in progress (git, pid 7). Ravik never ends it "
-                                                  "from a button."}));
+    EXPECT_EQ(row(never, 1), (Row{"Why it stays",
+                                  "a git operation in progress (git, pid 7). Ravik never ends it "
+                                  "from a button."}));
     EXPECT_EQ(row(never, 2), (Row{"What to do", "Stop it from where it was started."}));
     EXPECT_EQ(row(finding("disk", ScanDisk{}), 1),
               (Row{"Why no button", "This cause is yours to change; ending something would not fix it."}));

@@ -84,7 +84,7 @@ std::vector<AccessibilityBus::Place> AccessibilityBus::children(const Place& pla
 
 std::string AccessibilityBus::property(const Place& place, const char* name) const {
     GVariant* reply = m_bus.call(place.owner, place.path, "org.freedesktop.DBus.Properties", "Get",
-                           g_variant_new("(ss)", accessibleInterface, name));
+                                 g_variant_new("(ss)", accessibleInterface, name));
     if (!reply) return {};
     GVariant* value = nullptr;
     g_variant_get(reply, "(v)", &value);
@@ -96,7 +96,7 @@ std::string AccessibilityBus::property(const Place& place, const char* name) con
 
 Pid AccessibilityBus::pidOf(const std::string& owner) const {
     GVariant* reply = m_bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                           "GetConnectionUnixProcessID", g_variant_new("(s)", owner.c_str()));
+                                 "GetConnectionUnixProcessID", g_variant_new("(s)", owner.c_str()));
     if (!reply) return 0;
     std::uint32_t pid = 0;
     g_variant_get(reply, "(u)", &pid);
@@ -131,8 +131,8 @@ Accessible AccessibilityBus::read(const Place& place) const {
         g_variant_unref(reply);
     }
     constexpr std::uint32_t onScreen = 0;
-    if (GVariant* reply =
-            m_bus.call(place.owner, place.path, "org.a11y.atspi.Component", "GetExtents", g_variant_new("(u)", onScreen))) {
+    if (GVariant* reply = m_bus.call(place.owner, place.path, "org.a11y.atspi.Component", "GetExtents",
+                                     g_variant_new("(u)", onScreen))) {
         g_variant_get(reply, "((iiii))", &one.area.x, &one.area.y, &one.area.width, &one.area.height);
         g_variant_unref(reply);
     }

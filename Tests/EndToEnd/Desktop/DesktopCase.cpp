@@ -77,8 +77,7 @@ bool DesktopCase::shows(const std::string& role, const std::string& name, double
 }
 
 bool DesktopCase::showsBeginning(const std::string& role, const std::string& beginning, double seconds) {
-    return shows([&](const Accessible& windows) { return windows.findBeginning(role, beginning) != nullptr; },
-                 seconds);
+    return shows([&](const Accessible& windows) { return windows.findBeginning(role, beginning) != nullptr; }, seconds);
 }
 
 std::vector<Area> DesktopCase::windows() {
@@ -103,8 +102,8 @@ void DesktopCase::click(const std::string& role, const std::string& name) {
 
 Pid DesktopCase::leave(const std::string& script, int megabytes) {
     const std::string command = home.idle("node") + " " + (home.path() / script).native();
-    const Pid terminal = start({home.shell("bash"), "-c", command + " & wait"},
-                               {"RAVIK_TEST_HOLDS=" + std::to_string(megabytes)});
+    const Pid terminal =
+        start({home.shell("bash"), "-c", command + " & wait"}, {"RAVIK_TEST_HOLDS=" + std::to_string(megabytes)});
     const Pid left = find(command);
     reaper.end(terminal);
     return findAdopted(command) == left ? left : 0;

@@ -33,8 +33,7 @@ protected:
     int icons() {
         // What comes before the answer is in the queue once the answer is here.
         session->bus().owns("dev.tolvane.Ravik");
-        while (g_main_context_iteration(nullptr, FALSE)) {
-        }
+        while (g_main_context_iteration(nullptr, FALSE)) {}
         return m_icons;
     }
 

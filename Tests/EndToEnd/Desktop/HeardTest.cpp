@@ -20,13 +20,16 @@ protected:
         app = std::make_unique<Running>(home, std::vector<std::string>{"--stay", GetParam()}, "ravik-pictures");
         // It is heard whole once two looks in a row find the same.
         std::string before;
-        ASSERT_TRUE(waitUntil([&] {
-            heard = shown();
-            const std::string now = heard.text();
-            const bool isWhole = now == before && heard.find("push button", lastButton()) != nullptr;
-            before = now;
-            return isWhole;
-        }, 40)) << before;
+        ASSERT_TRUE(waitUntil(
+            [&] {
+                heard = shown();
+                const std::string now = heard.text();
+                const bool isWhole = now == before && heard.find("push button", lastButton()) != nullptr;
+                before = now;
+                return isWhole;
+            },
+            40))
+            << before;
     }
     void TearDown() override {
         app->signal(SIGKILL);
@@ -35,9 +38,7 @@ protected:
         DesktopCase::TearDown();
     }
 
-    static const char* lastButton() {
-        return std::string_view(GetParam()) == "question" ? "Cancel" : "Quit Ravik";
-    }
+    static const char* lastButton() { return std::string_view(GetParam()) == "question" ? "Cancel" : "Quit Ravik"; }
 
     Accessible heard;
 };
@@ -81,10 +82,12 @@ TEST_P(Heard, GetsEveryEnabledControlByTab) {
         if (const Accessible* focus = heard.focus()) reached.insert(focus->name);
         const std::string before = heard.focus() ? heard.focus()->name : "";
         hands->press(key::tab);
-        waitUntil([&] {
-            heard = shown();
-            return heard.focus() && heard.focus()->name != before;
-        }, 3);
+        waitUntil(
+            [&] {
+                heard = shown();
+                return heard.focus() && heard.focus()->name != before;
+            },
+            3);
     }
     std::erase_if(reached, [&](const std::string& name) { return !wanted.contains(name); });
     EXPECT_EQ(reached, wanted);

@@ -67,8 +67,8 @@ Session::Session(Home& home) : m_server(screen), m_manager(m_server), m_daemon(s
 
 Pid startTray(Tray tray, const Home& home) {
     if (tray == Tray::trayer) {
-        return platform::startProgram({"trayer", "--edge", "top", "--align", "left", "--widthtype", "request",
-                                       "--height", "32"});
+        return platform::startProgram(
+            {"trayer", "--edge", "top", "--align", "left", "--widthtype", "request", "--height", "32"});
     }
     if (tray == Tray::xfce) {
         home.write("config/xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml", xfcePanel);

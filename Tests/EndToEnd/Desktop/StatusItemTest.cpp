@@ -10,9 +10,8 @@ using testing::SizeIs;
 
 class StatusItem : public DesktopCase, public testing::WithParamInterface<Tray> {};
 
-INSTANTIATE_TEST_SUITE_P(Desktop, StatusItem, testing::Values(Tray::trayer, Tray::xfce), [](const auto& tray) {
-    return tray.param == Tray::trayer ? "InTrayer" : "InXfce";
-});
+INSTANTIATE_TEST_SUITE_P(Desktop, StatusItem, testing::Values(Tray::trayer, Tray::xfce),
+                         [](const auto& tray) { return tray.param == Tray::trayer ? "InTrayer" : "InXfce"; });
 
 TEST_P(StatusItem, OpensThePanelWithAClickAndClosesItWithASecond) {
     showTray(GetParam());

@@ -28,10 +28,12 @@ TEST_F(StatusArea, ThatComesBackGetsTheIconAgain) {
     EXPECT_TRUE(lives(app->pid()));
     showTray(Tray::trayer);
     // The new tray's icon takes the old one's place after a while.
-    EXPECT_TRUE(waitUntil([&] {
-        hands->click(icon());
-        return waitUntil([&] { return windows().size() == 1; }, 2);
-    }, 30));
+    EXPECT_TRUE(waitUntil(
+        [&] {
+            hands->click(icon());
+            return waitUntil([&] { return windows().size() == 1; }, 2);
+        },
+        30));
 }
 
 TEST_F(StatusArea, ThatComesLateGetsTheIcon) {

@@ -33,8 +33,8 @@ void BusService::emit(const char* path, const char* interface, const char* signa
 
 GDBusMessage* BusService::hear(GDBusConnection* bus, GDBusMessage* message, gboolean incoming, void* data) {
     if (!incoming || g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) return message;
-    GVariant* body = static_cast<BusService*>(data)->m_answer(g_dbus_message_get_member(message),
-                                                              g_dbus_message_get_body(message));
+    GVariant* body =
+        static_cast<BusService*>(data)->m_answer(g_dbus_message_get_member(message), g_dbus_message_get_body(message));
     GDBusMessage* reply = body ? g_dbus_message_new_method_reply(message)
                                : g_dbus_message_new_method_error_literal(message, "org.example.No", "No.");
     if (body) g_dbus_message_set_body(reply, body);

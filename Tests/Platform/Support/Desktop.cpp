@@ -34,15 +34,15 @@ OwnXServer::OwnXServer(const std::string& screen) {
 }
 
 OwnWindowManager::OwnWindowManager(const OwnXServer& server) {
-    m_home.write("rc.xml", "<?xml version=\"1.0\"?><openbox_config xmlns=\"http://openbox.org/3.4/rc\">"
-                           "<focus><focusNew>yes</focusNew></focus></openbox_config>");
+    m_home.write("rc.xml",
+                 "<?xml version=\"1.0\"?><openbox_config xmlns=\"http://openbox.org/3.4/rc\">"
+                 "<focus><focusNew>yes</focusNew></focus></openbox_config>");
     // It says that it manages windows a while before it takes new ones.
     const std::filesystem::path ready = m_home.path() / "ready";
-    m_pid = m_reaper.add(startProgram({"openbox", "--sm-disable", "--config-file", m_home.path() / "rc.xml",
-                                       "--startup", "touch " + ready.native()},
-                                      {server.variable(), "HOME=" + m_home.path().native(),
-                                       "XDG_CONFIG_HOME=" + m_home.path().native(),
-                                       "XDG_CACHE_HOME=" + m_home.path().native()}));
+    m_pid = m_reaper.add(startProgram(
+        {"openbox", "--sm-disable", "--config-file", m_home.path() / "rc.xml", "--startup", "touch " + ready.native()},
+        {server.variable(), "HOME=" + m_home.path().native(), "XDG_CONFIG_HOME=" + m_home.path().native(),
+         "XDG_CACHE_HOME=" + m_home.path().native()}));
     m_started = m_pid > 0 && waitUntil([&] { return std::filesystem::exists(ready); });
 }
 
@@ -55,8 +55,9 @@ OwnBus::OwnBus(const std::vector<std::string>& services, const std::string& addr
         std::filesystem::copy_file("/usr/share/dbus-1/services/" + file, offered / file, error);
     }
     const std::string listen = address.empty() ? "unix:dir=" + m_folder.path().native() : address;
-    m_folder.write("session.conf", "<busconfig><type>session</type><listen>" + listen +
-                                       "</listen><servicedir>" + offered.native() + "</servicedir><auth>EXTERNAL</auth><policy context=\"default\">"
+    m_folder.write("session.conf", "<busconfig><type>session</type><listen>" + listen + "</listen><servicedir>" +
+                                       offered.native() +
+                                       "</servicedir><auth>EXTERNAL</auth><policy context=\"default\">"
                                        "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
                                        "<allow own=\"*\"/></policy></busconfig>");
     m_address = start({"dbus-daemon", "--config-file=" + (m_folder.path() / "session.conf").native(), "--nofork",
@@ -72,8 +73,7 @@ bool turnUntil(const std::function<bool()>& done, double seconds) {
     const gint64 end = g_get_monotonic_time() + static_cast<gint64>(seconds * 1e6);
     while (!done()) {
         if (g_get_monotonic_time() > end) return false;
-        while (g_main_context_iteration(nullptr, FALSE)) {
-        }
+        while (g_main_context_iteration(nullptr, FALSE)) {}
         g_usleep(2000);
     }
     return true;
