@@ -16,8 +16,11 @@ done
 # The version matters to the format: 16 where the system offers a choice.
 tool() { command -v "$1-16" || command -v "$1"; }
 sources() { find "${folders[@]}" \( -name "*.cpp" -o -name "*.h" \) -print0 2>/dev/null || true; }
-# qmlformat of Qt 6.4 drops the pragma's value.
-formatted() { qmltool qmlformat "$1" 2>/dev/null | sed '1s/^pragma ComponentBehavior$/pragma ComponentBehavior: Bound\n/'; }
+# qmlformat of Qt 6.4 drops the pragma's value and doubles a space.
+formatted() {
+    qmltool qmlformat "$1" 2>/dev/null |
+        sed -e '1s/^pragma ComponentBehavior$/pragma ComponentBehavior: Bound\n/' -e 's/^\( *Behavior on [A-Za-z.]*\)  {/\1 {/'
+}
 qmltool() { PATH=/usr/lib/qt6/bin:/usr/lib/qt/bin:$PATH "$@"; }
 changed() {
     local base

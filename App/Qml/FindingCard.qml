@@ -34,7 +34,7 @@ CardRow {
     onShareChanged: if (share === 0 && isLeaving)
         gone()
 
-    Behavior on share  {
+    Behavior on share {
         RowEnding {
         }
     }

@@ -80,7 +80,7 @@ Column {
             opacity: 0
             Accessible.role: Accessible.AlertMessage
             Component.onCompleted: opacity = 1
-            Behavior on opacity  {
+            Behavior on opacity {
                 ResultIn {
                 }
             }

@@ -66,7 +66,7 @@ Item {
             font: Tokens.button
             opacity: 0
             Component.onCompleted: opacity = 1
-            Behavior on opacity  {
+            Behavior on opacity {
                 ResultIn {
                 }
             }

@@ -23,7 +23,7 @@ Item {
     Accessible.role: Accessible.StaticText
     Accessible.name: spoken
 
-    Behavior on opacity  {
+    Behavior on opacity {
         ResultIn {
         }
     }
