@@ -4,8 +4,8 @@
 
 #include "Platform/Linux/DesktopEntry.h"
 #include "Platform/Linux/ReadFile.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 #include "Tests/Platform/Support/ChildWork.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
 
 namespace ravik::platform {
 namespace {
@@ -22,7 +22,7 @@ struct AutostartEntries : ::testing::Test {
     }
     std::string text() const { return readFile((folder.path() / own).native()).value_or("none"); }
 
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
     std::optional<fs::path> program = "/opt/Ravik 100%/bin/ravik-desktop";
 };
 

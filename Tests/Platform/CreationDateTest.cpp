@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 
 #include "Platform/Computer.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 
 namespace ravik {
 
 TEST(CreationDate, OfANewFileIsNowAndOfNoneAbsent) {
-    const platform::TemporaryFolder folder;
+    const fakes::TemporaryFolder folder;
     const auto before = std::chrono::system_clock::now().time_since_epoch();
     std::ofstream(folder.path() / "fresh") << "x";
     const auto made = creationDate(folder.path() / "fresh");
@@ -20,7 +20,7 @@ TEST(CreationDate, OfANewFileIsNowAndOfNoneAbsent) {
 }
 
 TEST(CreationDate, OfALinkIsItsOwn) {
-    const platform::TemporaryFolder folder;
+    const fakes::TemporaryFolder folder;
     std::filesystem::create_symlink("nowhere", folder.path() / "link");
     EXPECT_TRUE(creationDate(folder.path() / "link"));
 }

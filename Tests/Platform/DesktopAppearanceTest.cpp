@@ -237,7 +237,7 @@ struct DesktopSchemas : ::testing::Test {
     }
     std::string shown() const { return readFile((folder.path() / "looks").native()).value_or(""); }
 
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
     OwnBus bus;
     Reaper reaper;
 };

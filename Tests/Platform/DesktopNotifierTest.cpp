@@ -221,7 +221,7 @@ TEST(NotificationSwitch, ReadsPlasmasFile) {
 }
 
 TEST(NotificationSwitch, IsTheDesktopsOfThisSession) {
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
     folder.write("plasmanotifyrc", "[Applications][dev.tolvane.Ravik]\nShowPopups=false\nShowInHistory=false\n");
     EXPECT_TRUE(notificationSwitch("KDE", folder.path())());
     EXPECT_FALSE(notificationSwitch("KDE", folder.path() / "none")());
@@ -234,7 +234,7 @@ TEST(DesktopNotifier, IsShownByARealDaemon) {
     OwnBus bus;
     OwnXServer server;
     Reaper reaper;
-    TemporaryFolder home;
+    fakes::TemporaryFolder home;
     reaper.add(startProgram({"dunst"}, {bus.variable(), server.variable(), "HOME=" + home.path().native(),
                                         "XDG_CONFIG_HOME=" + home.path().native()}));
     DesktopNotifier notifier(bus.address());

@@ -69,7 +69,7 @@ struct DesktopApps : ::testing::Test {
         return waitUntil([&] { return lines() == text; });
     }
 
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
     fs::path runtime = folder.path() / "run";
     fs::path heard = folder.path() / "heard";
     std::map<std::string, std::string> variables;
@@ -281,7 +281,7 @@ TEST_F(DesktopApps, OpeningSaysWhyItCannot) {
 }
 
 TEST_F(DesktopApps, OutlivesTheBusAndTakesItsNameAgain) {
-    TemporaryFolder socket;
+    fakes::TemporaryFolder socket;
     const std::string address = "unix:path=" + (socket.path() / "bus").native();
     auto bus = std::make_unique<OwnBus>(std::vector<std::string>{}, address);
     Start first(environment(address), heard);

@@ -5,8 +5,8 @@
 #include "Platform/Linux/WatcherLock.h"
 #include "Tests/Fakes/FakeMachine.h"
 #include "Tests/Fakes/LogFolder.h"
+#include "Tests/Fakes/TemporaryFolder.h"
 #include "Tests/Platform/Support/Children.h"
-#include "Tests/Platform/Support/TemporaryFolder.h"
 
 namespace ravik::platform {
 
@@ -14,7 +14,7 @@ using namespace fakes;
 
 /// The app started while another process watches, which is then killed.
 TEST(Takeover, FollowsTheEndOfTheOtherProcess) {
-    TemporaryFolder folder;
+    fakes::TemporaryFolder folder;
     Reaper reaper;
     PidPipe held;
     const Pid other = reaper.add(forkChild([&] {
