@@ -7,6 +7,8 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include "Platform/Linux/ApplicationBus.h"
+
 namespace ravik::platform {
 
 std::string OwnServer::start(std::vector<std::string> words, const std::vector<std::string>& environment) {
@@ -66,7 +68,8 @@ OwnBus::OwnBus(const std::vector<std::string>& services, const std::string& addr
 
 void OwnBus::offer(const std::string& name, const std::string& exec) const {
     m_folder.write("services/" + name + ".service", "[D-BUS Service]\nName=" + name + "\nExec=" + exec + "\n");
-    kill(pid(), SIGHUP);
+    // It tells its address before it can be told to look again: the signal would end it. Who is greeted finds it ready.
+    if (ApplicationBus(m_address).isThere()) kill(pid(), SIGHUP);
 }
 
 bool turnUntil(const std::function<bool()>& done, double seconds) {
