@@ -6,6 +6,7 @@
 #include "Cli/Table.h"
 #include "Cli/Values.h"
 #include "Core/Base/Iso8601.h"
+#include "Core/Watch/Interval.h"
 #include "Core/Watch/Monitor.h"
 #include "Core/Watch/TickLines.h"
 #include "Core/Wording/Fmt.h"
@@ -57,7 +58,7 @@ int runWatch(Context& context, const Arguments& arguments) {
             return wrongWords;
         }
     } else if (const auto variable = context.computer.environment("TOLVANE_INTERVAL")) {
-        interval = parseNumber(*variable);
+        interval = parseInterval(*variable);
     }
     if (const auto refusal = context.platform().watchLock.acquire()) {
         context.err << refusal->sentence << "\n";

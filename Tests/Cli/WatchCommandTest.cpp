@@ -44,8 +44,10 @@ TEST_F(WatchCommand, PrintsAnObjectATick) {
 TEST_F(WatchCommand, TheEnvironmentSetsTheInterval) {
     computer.variables["TOLVANE_INTERVAL"] = "0.5";
     EXPECT_EQ(std::ranges::count(watch({}, 2.2).out, '\n'), 5);
-    computer.variables["TOLVANE_INTERVAL"] = "abc";
-    EXPECT_EQ(std::ranges::count(watch({}, 6).out, '\n'), 2);
+    for (const char* text : {"abc", "-1", "nan"}) {
+        computer.variables["TOLVANE_INTERVAL"] = text;
+        EXPECT_EQ(std::ranges::count(watch({}, 6).out, '\n'), 2) << text;
+    }
 }
 
 TEST_F(WatchCommand, ASecondWatcherSaysWhoWatches) {
