@@ -2,15 +2,16 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
-#include <QLocale>
 #include <QSessionManager>
 
 #include <nlohmann/json.hpp>
 
+#include "App/Views/ActivationToken.h"
 #include "App/Views/IconStore.h"
 #include "App/Views/Tokens.h"
 #include "Core/Reporting/Diagnostics.h"
 #include "Core/Reporting/Feedback.h"
+#include "Core/Watch/Interval.h"
 
 namespace ravik::app {
 
@@ -46,7 +47,7 @@ StatusBarController::StatusBarController(Computer& computer, Log& log, const Hos
                 [this] { openMain(); },
                 [this] { quit(); },
                 [this] { m_computer.releaseMemory(); }},
-      m_item(m_nav.screens()) {
+      m_item(m_nav.screens(), host) {
     Workspace& workspace = computer.platform().workspace;
     IconStore::instance().setFinder([&workspace](const std::string& group) { return workspace.iconPath(group); });
 }
@@ -74,9 +75,7 @@ bool StatusBarController::launch(const Activation& asked) {
     }
     m_log.event("launch", {{"version", RAVIK_VERSION}});
     if (const auto variable = m_computer.environment("TOLVANE_INTERVAL")) {
-        bool isNumber = false;
-        const double seconds = QLocale::c().toDouble(QString::fromStdString(*variable), &isNumber);
-        if (isNumber) m_monitor.setInterval(seconds);
+        if (const auto seconds = parseInterval(*variable)) m_monitor.setInterval(*seconds);
     }
     connectItem();
     m_observing = m_monitor.observe([this](Monitor::Change change) {
@@ -94,6 +93,7 @@ bool StatusBarController::launch(const Activation& asked) {
     // The watcher at once where nobody else watches, and as soon as who does has ended.
     m_monitor.takeOverWhenFree();
     m_monitor.start();
+    m_startToken = QByteArray::fromStdString(asked.token);
     readEnvironment();
     if (!asked.action.empty()) activate(asked);
     return true;
@@ -103,6 +103,7 @@ void StatusBarController::connectItem() {
     connect(&m_item, &StatusItem::clicked, this, &StatusBarController::toggle);
     connect(&m_item, &StatusItem::openChosen, this, [this] { openMain(); });
     connect(&m_item, &StatusItem::screenChosen, this, [this](Destination screen) { go(screen); });
+    connect(&m_item, &StatusItem::readChosen, this, [this] { m_monitor.refresh(); });
     connect(&m_item, &StatusItem::quitChosen, this, &StatusBarController::quit);
     Appearance& appearance = m_computer.platform().appearance;
     appearance.onChange([this](const Look& look) { wear(look); });
@@ -117,7 +118,8 @@ void StatusBarController::connectItem() {
 void StatusBarController::readEnvironment() {
     MainLoop& loop = m_computer.platform().loop;
     if (const auto variable = m_computer.environment("TOLVANE_OPEN")) {
-        if (const auto screen = parseDestination(*variable)) loop.after(openAfter, [this, screen] { go(*screen); });
+        if (const auto screen = parseDestination(*variable))
+            loop.after(openAfter, [this, screen] { go(*screen, m_startToken); });
     }
     if (m_computer.environment("TOLVANE_PANEL_ONCE")) {
         loop.after(panelOpensAfter, [this] { toggle(); });
@@ -163,7 +165,7 @@ void StatusBarController::mainClosed() {
 }
 
 void StatusBarController::openWithoutTray() {
-    if (!m_hasEnded && !StatusItem::isAvailable()) openMain();
+    if (!m_hasEnded && !StatusItem::isAvailable()) openMain(m_startToken);
 }
 
 void StatusBarController::wear(const Look& look) {
@@ -192,18 +194,26 @@ void StatusBarController::activate(const Activation& asked) {
 
 void StatusBarController::answer(const std::string& action) {
     m_log.event("notificationAction", {{"action", action}});
-    if (action == "free") {
-        if (m_views.raiseQuestion()) return;
-        spawn(m_actions.freeAll({}), [](const std::optional<std::string>&) {});
+    const QByteArray token = QByteArray::fromStdString(m_computer.platform().notifier.activationToken());
+    // What could be freed when it was posted may have gone since: then the window says so.
+    if (action != "free" || m_monitor.snapshot().freeable().empty()) {
+        go(Destination::diagnosis, token);
         return;
     }
-    go(Destination::diagnosis, QByteArray::fromStdString(m_computer.platform().notifier.activationToken()));
+    const ActivationToken leave(token);
+    if (!m_views.raiseQuestion()) spawn(m_actions.freeAll({}), [](const std::optional<std::string>&) {});
 }
 
 void StatusBarController::quit() {
     // Before the windows are closed one by one, each as if the user had closed it.
     terminate();
     QCoreApplication::quit();
+}
+
+void StatusBarController::letGo() {
+    if (m_hasEnded) return;
+    m_monitor.releaseAllLive();
+    m_log.flush();
 }
 
 void StatusBarController::terminate() {

@@ -26,15 +26,19 @@ public:
     StatusBarController(Computer& computer, Log& log, const Host& host);
     ~StatusBarController() override;
 
-    /// Everything that happens at launch; `asked` is what this start was to show. False if another instance runs, which has been brought to the front.
+    /// Everything that happens at launch; `asked` is what this start was to show. False if another instance runs, which
+    /// has been brought to the front.
     bool launch(const Activation& asked = {});
-    /// The panel, open or closed; while a question stands, the question.
     /// Ends the program.
     void quit();
+    /// The panel, open or closed; while a question stands, the question.
     void toggle();
     void openMain(const QByteArray& token = {});
     /// Before the program ends: nothing stays asked, paused or demoted. Once.
     void terminate();
+    /// The part of terminate() that nothing may pass by: what is left to do where the program ends by exit() and no
+    /// window can be touched any more.
+    void letGo();
 
     Monitor& monitor() { return m_monitor; }
     Nav& nav() { return m_nav; }
@@ -70,6 +74,8 @@ private:
     const Program m_program;
     StatusItem m_item;
     Subscription m_observing;
+    /// Of whoever started the program, for a window that opens because of that.
+    QByteArray m_startToken;
     bool m_hasSettled = false;
     bool m_hasEnded = false;
     bool m_hasToldUnseen = false;

@@ -6,6 +6,7 @@
 
 #include "App/GlyphIcon.h"
 #include "App/Views/Text.h"
+#include "Core/Screens/Sidebar.h"
 
 namespace ravik::app {
 
@@ -25,8 +26,8 @@ QString figure(const Glyph& glyph) { return text(glyph.title).trimmed().section(
 
 }  // namespace
 
-StatusItem::StatusItem(const std::vector<Destination>& screens) {
-    fillMenu(screens);
+StatusItem::StatusItem(const std::vector<Destination>& screens, const Host& host) {
+    fillMenu(screens, host);
     make();
     m_looking.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_looking, &QTimer::timeout, this, &StatusItem::look);
@@ -39,16 +40,20 @@ StatusItem::~StatusItem() = default;
 
 bool StatusItem::isAvailable() { return QSystemTrayIcon::isSystemTrayAvailable(); }
 
-void StatusItem::fillMenu(const std::vector<Destination>& screens) {
-    m_menu.addAction(QStringLiteral("Open Ravik"), this, &StatusItem::openChosen);
+void StatusItem::fillMenu(const std::vector<Destination>& screens, const Host& host) {
+    const auto add = [this](const QString& words, const QString& keys, auto chosen) {
+        m_menu.addAction(words, this, chosen)->setShortcut(QKeySequence(keys));
+    };
+    add(QStringLiteral("Open Ravik"), {}, &StatusItem::openChosen);
     m_menu.addSeparator();
-    for (const Destination screen : screens) {
-        auto* action = m_menu.addAction(text(title(screen)), this, [this, screen] { Q_EMIT screenChosen(screen); });
-        action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + int(screen))));
+    const Sidebar sidebar(screens, Destination::diagnosis, false, {}, host);
+    for (const SidebarRow& row : sidebar.rows) {
+        add(text(row.title), text(row.shortcut), [this, screen = row.destination] { Q_EMIT screenChosen(screen); });
     }
     m_menu.addSeparator();
-    auto* quit = m_menu.addAction(QStringLiteral("Quit Ravik"), this, &StatusItem::quitChosen);
-    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    add(text(GoMenu::readNow(host)), text(host.nouns().refreshChord), &StatusItem::readChosen);
+    m_menu.addSeparator();
+    add(QStringLiteral("Quit Ravik"), text(host.nouns().quitChord), &StatusItem::quitChosen);
 }
 
 void StatusItem::make() {

@@ -9,6 +9,7 @@
 #include <QSystemTrayIcon>
 #include <QTimer>
 
+#include "Core/Host/Host.h"
 #include "Core/Screens/Destination.h"
 #include "Core/Screens/Glyph.h"
 
@@ -21,7 +22,7 @@ class StatusItem : public QObject {
 
 public:
     /// `screens`: those that the menu goes to.
-    explicit StatusItem(const std::vector<Destination>& screens);
+    StatusItem(const std::vector<Destination>& screens, const Host& host);
     ~StatusItem() override;
 
     /// False where the desktop has no status area, now.
@@ -45,10 +46,12 @@ Q_SIGNALS:
     void clicked();
     void openChosen();
     void screenChosen(Destination screen);
+    /// The machine is to be read now.
+    void readChosen();
     void quitChosen();
 
 private:
-    void fillMenu(const std::vector<Destination>& screens);
+    void fillMenu(const std::vector<Destination>& screens, const Host& host);
     /// An item in the status area that is there now; one made for another kind of area would stay unseen.
     void make();
     void look();

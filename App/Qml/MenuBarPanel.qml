@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 
+import QtQml
 import QtQuick
 import Ravik
 
@@ -73,5 +74,22 @@ Window {
     Shortcut {
         sequence: panel.model.quitKey
         onActivated: panel.model.quit()
+    }
+
+    Shortcut {
+        sequence: panel.model.readKey
+        onActivated: panel.model.readNow()
+    }
+
+    Instantiator {
+        model: panel.model.screenKeys
+
+        delegate: Shortcut {
+            required property int index
+            required property string modelData
+
+            sequence: modelData
+            onActivated: panel.model.openScreen(index)
+        }
     }
 }

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "Core/Screens/Sidebar.h"
+
 namespace ravik::app {
 
 namespace {
@@ -58,6 +60,20 @@ PanelView::PanelView(const Program& program)
           liveRoles, [](const Live& row) { return std::to_string(row.id); }, this) {
     m_model.onChange([this] { show(); });
     show();
+}
+
+QStringList PanelView::screenKeys() const {
+    const Sidebar sidebar(m_program.nav.screens(), m_program.nav.destination(), false, {}, m_program.monitor.host());
+    QStringList keys;
+    for (const SidebarRow& row : sidebar.rows) keys.append(text(row.shortcut));
+    return keys;
+}
+
+void PanelView::openScreen(int key) {
+    const auto& screens = m_program.nav.screens();
+    if (key < 0 || std::size_t(key) >= screens.size()) return;
+    m_program.nav.go(screens[std::size_t(key)]);
+    m_program.openMain();
 }
 
 void PanelView::show() {

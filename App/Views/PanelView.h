@@ -61,6 +61,9 @@ class PanelView : public View {
     Q_PROPERTY(bool canSendFeedback READ canSendFeedback NOTIFY changed FINAL)
     Q_PROPERTY(QString quitLabel READ quitLabel CONSTANT FINAL)
     Q_PROPERTY(QString quitKey READ quitKey NOTIFY changed FINAL)
+    Q_PROPERTY(QString readKey READ readKey CONSTANT FINAL)
+    /// One for each screen of the main window, in their order.
+    Q_PROPERTY(QStringList screenKeys READ screenKeys CONSTANT FINAL)
 
 public:
     explicit PanelView(const Program& program);
@@ -110,6 +113,8 @@ public:
     bool canSendFeedback() const { return m_screen.footer.canSendFeedback; }
     QString quitLabel() const { return text(PanelScreen::quitLabel); }
     QString quitKey() const { return text(m_screen.footer.quitKey); }
+    QString readKey() const { return text(m_program.monitor.host().nouns().refreshChord); }
+    QStringList screenKeys() const;
 
     Q_INVOKABLE void run(const QString& finding) { m_model.run(finding.toStdString()); }
     Q_INVOKABLE void free() { m_model.free(); }
@@ -119,7 +124,10 @@ public:
     Q_INVOKABLE void dismiss(const QString& suggestion) { m_model.dismiss(suggestion.toStdString()); }
     Q_INVOKABLE void sendFeedback() { m_model.sendFeedback(); }
     Q_INVOKABLE void holdRows(bool hold) { m_model.holdRows(hold); }
+    Q_INVOKABLE void readNow() { m_program.monitor.refresh(); }
     Q_INVOKABLE void openMain() { m_program.openMain(); }
+    /// The main window on the screen of a key.
+    Q_INVOKABLE void openScreen(int key);
     Q_INVOKABLE void quit() { m_program.quit(); }
 
 private:

@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+#include "App/Views/ActivationToken.h"
 #include "App/Views/MainView.h"
 #include "App/Views/NoticeView.h"
 #include "App/Views/PanelView.h"
@@ -89,7 +90,7 @@ bool QmlViews::raiseQuestion() {
 }
 
 void QmlViews::openMain(const QByteArray& token) {
-    if (!token.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", token);
+    const ActivationToken leave(token);
     if (!m_main) {
         m_main = m_frame.open("MainWindow", std::make_unique<MainView>(m_program));
         QObject::connect(m_main, &QWindow::visibilityChanged, &m_frame, [this](QWindow::Visibility visibility) {

@@ -63,6 +63,22 @@ TEST_F(QmlViewsTest, ThePanelClosesWhenItLosesTheFocus) {
     EXPECT_FALSE(views.hasPanelJustLeft());
 }
 
+TEST_F(QmlViewsTest, ThePanelHearsTheKeysOfTheProgram) {
+    bool hasOpened = false;
+    const Program hearing{monitor, nav, actions, disk, history, asker, {}, [&] { hasOpened = true; }, [] {}, [] {}};
+    QmlViews own{hearing};
+    own.openPanel({});
+    ASSERT_TRUE(QTest::qWaitForWindowActive(panel()));
+    EXPECT_FALSE(monitor.snapshot().sampled);
+    QTest::keyClick(panel(), Qt::Key_R, Qt::ControlModifier);
+    machine.loop.settle();
+    EXPECT_TRUE(monitor.snapshot().sampled);
+    QTest::keyClick(panel(), Qt::Key_2, Qt::ControlModifier);
+    EXPECT_FALSE(hasOpened) << "there is no such screen";
+    QTest::keyClick(panel(), Qt::Key_1, Qt::ControlModifier);
+    EXPECT_TRUE(hasOpened);
+}
+
 TEST_F(QmlViewsTest, ThePanelWaitsBehindItsQuestionAndComesBack) {
     views.openPanel({});
     auto* before = panel();

@@ -2,7 +2,10 @@
 
 #include <QTest>
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "Tests/Fakes/FakeComputer.h"
 #include "Tests/Fakes/LogFolder.h"
@@ -13,13 +16,24 @@ namespace {
 class StatusBarControllerTest : public testing::Test {
 protected:
     /// A program that has been started; what is set on `computer` before that counts.
-    StatusBarController& start() {
+    StatusBarController& start(const Activation& asked = {}) {
         controller = std::make_unique<StatusBarController>(computer, folder.log, computer.machine.host);
-        launched = controller->launch();
+        launched = controller->launch(asked);
         computer.machine.loop.settle();
         return *controller;
     }
     void pass(double seconds) { computer.machine.loop.runFor(seconds); }
+    /// A program that has lost its terminal.
+    fakes::FakeProcess& leaveOrphan() {
+        computer.machine.clock.advance(100000);
+        fakes::FakeProcess process;
+        process.pid = 800;
+        process.name = "server";
+        process.command = "/tmp/server";
+        process.started = computer.machine.clock.now() - 7200;
+        process.footprintBytes = 100 << 20;
+        return computer.machine.processes.add(process);
+    }
 
     fakes::FakeComputer computer;
     fakes::LogFolder folder{computer.machine.clock};
@@ -69,9 +83,12 @@ TEST_F(StatusBarControllerTest, TakesTheIntervalFromTheEnvironmentWithoutARange)
     EXPECT_EQ(start().monitor().interval(), 0.5);
 }
 
-TEST_F(StatusBarControllerTest, IgnoresAnIntervalThatIsNoNumber) {
-    computer.variables["TOLVANE_INTERVAL"] = "abc";
-    EXPECT_EQ(start().monitor().interval(), 5.0);
+TEST_F(StatusBarControllerTest, IgnoresAnIntervalThatNoTimerCouldKeep) {
+    for (const char* text : {"abc", "nan", "inf", "0", "-1"}) {
+        computer.variables["TOLVANE_INTERVAL"] = text;
+        EXPECT_EQ(start().monitor().interval(), 5.0) << text;
+        controller.reset();
+    }
 }
 
 TEST_F(StatusBarControllerTest, OpensTheScreenThatTheEnvironmentNamesAfterTwoSeconds) {
@@ -81,6 +98,27 @@ TEST_F(StatusBarControllerTest, OpensTheScreenThatTheEnvironmentNamesAfterTwoSec
     EXPECT_FALSE(controller->views().isMainOpen());
     pass(1);
     EXPECT_TRUE(controller->views().isMainOpen());
+}
+
+TEST_F(StatusBarControllerTest, OpensTheScreenItHasWhereTheEnvironmentNamesOneThatIsStillMissing) {
+    const auto missing =
+        std::ranges::find_if(allDestinations, [](Destination each) { return each != Destination::diagnosis; });
+    computer.variables["TOLVANE_OPEN"] = word(*missing);
+    start();
+    pass(2.5);
+    EXPECT_TRUE(controller->views().isMainOpen());
+    EXPECT_NE(std::ranges::find(controller->nav().screens(), controller->nav().destination()),
+              controller->nav().screens().end());
+}
+
+TEST_F(StatusBarControllerTest, ClosesTheMainWindowAfterTwoSecondsAsTheEnvironmentAsks) {
+    computer.variables["TOLVANE_CLOSE_WINDOW"] = "";
+    start().openMain();
+    pass(1.5);
+    EXPECT_TRUE(controller->views().isMainOpen());
+    pass(1);
+    EXPECT_FALSE(controller->views().isMainOpen());
+    EXPECT_FALSE(controller->nav().windowShown());
 }
 
 TEST_F(StatusBarControllerTest, OpensThePanelAtFiveSecondsAndClosesItAtTen) {
@@ -114,17 +152,79 @@ TEST_F(StatusBarControllerTest, WithoutAStatusAreaItShowsItsWindowAndSaysOnceTha
     EXPECT_FALSE(close(QStringLiteral("Ravik goes on without a window")));
 }
 
-TEST_F(StatusBarControllerTest, ANotificationOpensTheDiagnosisAndItsFreeAsksNothingWhereThereIsNothing) {
+TEST_F(StatusBarControllerTest, ANotificationOpensTheDiagnosis) {
     start();
-    computer.machine.notifier.press("free");
-    EXPECT_FALSE(controller->views().isMainOpen());
-    EXPECT_FALSE(controller->views().raiseQuestion());
     computer.machine.notifier.press("default");
     EXPECT_TRUE(controller->views().isMainOpen());
     const auto lines = folder.lines("notificationAction");
-    ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[0]["action"], "free");
-    EXPECT_EQ(lines[1]["action"], "default");
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0]["action"], "default");
+}
+
+TEST_F(StatusBarControllerTest, ItsFreeAsksNothingWhereNothingIsLeftToFreeAndShowsThat) {
+    start();
+    pass(5);
+    computer.machine.notifier.press("free");
+    EXPECT_FALSE(controller->views().raiseQuestion());
+    EXPECT_TRUE(controller->views().isMainOpen());
+    EXPECT_EQ(folder.lines("notificationAction").at(0)["action"], "free");
+    EXPECT_TRUE(folder.lines("fixAll").empty());
+}
+
+/// Remembers with which leave windows came to the front.
+class TokenWatch : public QObject {
+public:
+    TokenWatch() { qGuiApp->installEventFilter(this); }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Show && watched->isWindowType()) seen = qgetenv("XDG_ACTIVATION_TOKEN");
+        return false;
+    }
+
+    QByteArray seen;
+};
+
+TEST_F(StatusBarControllerTest, TheTokenOfANotificationReachesTheWindowAndNobodyElse) {
+    leaveOrphan();
+    start();
+    pass(5);
+    TokenWatch watch;
+    computer.machine.notifier.token = "leave-1";
+    computer.machine.notifier.press("free");
+    ASSERT_TRUE(controller->views().raiseQuestion());
+    EXPECT_EQ(watch.seen, "leave-1");
+    EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+
+    controller->views().closeMain();
+    computer.machine.notifier.token = "leave-2";
+    computer.machine.notifier.press("show");
+    EXPECT_EQ(watch.seen, "leave-2");
+    EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+}
+
+TEST_F(StatusBarControllerTest, TheTokenOfItsStartReachesTheWindowThatTheStartOpens) {
+    TokenWatch watch;
+    start({"", "", "leave-3"});
+    pass(2.5);
+    ASSERT_TRUE(controller->views().isMainOpen());
+    EXPECT_EQ(watch.seen, "leave-3");
+    EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+}
+
+TEST_F(StatusBarControllerTest, LetsGoOfWhatItHoldsWhereItMayTouchNoWindowAnyMore) {
+    computer.machine.readings.load = 20;
+    computer.machine.defaults.values["autopilotApproved"] = nlohmann::json::array({"demote"});
+    leaveOrphan().cpuPercent = 90;
+    computer.machine.processes.find(800)->ppid = 2;
+    start();
+    pass(11);
+    ASSERT_TRUE(computer.machine.processes.find(800)->demoted);
+    controller->letGo();
+    EXPECT_FALSE(computer.machine.processes.find(800)->demoted);
+    controller->letGo();
+    controller->terminate();
+    const auto lines = folder.lines("autopilotRelease");
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0]["why"], "quit");
 }
 
 TEST_F(StatusBarControllerTest, ItsEndLeavesTheLockAndTheNameToOthers) {

@@ -28,7 +28,8 @@ protected:
         }
         return nullptr;
     }
-    StatusItem item{{Destination::diagnosis, Destination::history}};
+    const Host host{HostKind::linux, 1000, 50, {1}, {}};
+    StatusItem item{{Destination::diagnosis, Destination::history}, host};
 };
 
 TEST_F(StatusItemTest, TouchesNothingUnlessWhatItShowsHasChanged) {
@@ -69,7 +70,7 @@ TEST_F(StatusItemTest, IsDrawnAnewForADarkStatusArea) {
     EXPECT_EQ(item.updates(), 3);
 }
 
-TEST_F(StatusItemTest, ItsMenuOpensTheScreensThatExistAndQuits) {
+TEST_F(StatusItemTest, ItsMenuOpensTheScreensThatExistReadsNowAndQuits) {
     QSignalSpy open(&item, &StatusItem::openChosen);
     QSignalSpy screen(&item, &StatusItem::screenChosen);
     QSignalSpy quit(&item, &StatusItem::quitChosen);
@@ -82,6 +83,11 @@ TEST_F(StatusItemTest, ItsMenuOpensTheScreensThatExistAndQuits) {
     ASSERT_EQ(screen.size(), 1);
     EXPECT_EQ(screen[0][0].value<Destination>(), Destination::history);
     EXPECT_FALSE(action(QStringLiteral("Processes")));
+    QSignalSpy read(&item, &StatusItem::readChosen);
+    ASSERT_TRUE(action(QStringLiteral("Read the computer Now")));
+    EXPECT_EQ(action(QStringLiteral("Read the computer Now"))->shortcut(), QKeySequence(QStringLiteral("Ctrl+R")));
+    action(QStringLiteral("Read the computer Now"))->trigger();
+    EXPECT_EQ(read.size(), 1);
     ASSERT_TRUE(action(QStringLiteral("Quit Ravik")));
     EXPECT_EQ(action(QStringLiteral("Quit Ravik"))->shortcut(), QKeySequence(QStringLiteral("Ctrl+Q")));
     action(QStringLiteral("Quit Ravik"))->trigger();
