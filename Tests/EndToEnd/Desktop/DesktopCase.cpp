@@ -100,10 +100,10 @@ void DesktopCase::click(const std::string& role, const std::string& name) {
     if (found) hands->click(area);
 }
 
-Pid DesktopCase::leave(const std::string& script, int megabytes) {
+Pid DesktopCase::leave(const std::string& script, int megabytes, std::vector<std::string> variables) {
     const std::string command = home.idle("node") + " " + (home.path() / script).native();
-    const Pid terminal =
-        start({home.shell("bash"), "-c", command + " & wait"}, {"RAVIK_TEST_HOLDS=" + std::to_string(megabytes)});
+    variables.push_back("RAVIK_TEST_HOLDS=" + std::to_string(megabytes));
+    const Pid terminal = start({home.shell("bash"), "-c", command + " & wait"}, variables);
     const Pid left = find(command);
     reaper.end(terminal);
     return findAdopted(command) == left ? left : 0;

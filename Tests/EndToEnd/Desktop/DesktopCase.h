@@ -38,7 +38,7 @@ protected:
     void click(const std::string& role, const std::string& name);
 
     /// A program that a terminal started and left behind when it closed, in so many megabytes: its pid.
-    Pid leave(const std::string& script, int megabytes);
+    Pid leave(const std::string& script, int megabytes, std::vector<std::string> variables = {});
     /// True once the log has a line of that kind.
     bool logs(std::string_view kind, double seconds = 20) const;
 
