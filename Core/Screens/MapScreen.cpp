@@ -27,17 +27,22 @@ private:
     std::uint64_t m_whole;
 };
 
+/// A group may be called like one of the two that stand for many.
+std::string idOf(const Segment& segment) {
+    return segment.kind == Segment::Kind::app ? "app:" + segment.id : segment.id;
+}
+
 std::vector<const Segment*> placed(const MemoryPicture& picture, const std::optional<DiagnosisOrder::Ids>& order) {
     std::vector<const Segment*> segments;
     if (!order) {
         for (const Segment& segment : picture.segments) segments.push_back(&segment);
         return segments;
     }
-    std::unordered_map<std::string_view, const Segment*> byId;
+    std::unordered_map<std::string, const Segment*> byId;
     DiagnosisOrder::Ids ids;
     for (const Segment& segment : picture.segments) {
-        byId.emplace(segment.id, &segment);
-        ids.push_back(segment.id);
+        ids.push_back(idOf(segment));
+        byId.emplace(ids.back(), &segment);
     }
     for (const std::string& id : DiagnosisOrder::keep(*order, ids)) segments.push_back(byId.at(id));
     return segments;
@@ -59,11 +64,11 @@ MapScreen::Arc arc(const Segment& segment, const Ring& ring, std::uint64_t befor
     const std::uint64_t quit = std::min(segment.bytes - free, segment.quitBytes);
     const std::uint64_t end = before + segment.bytes;
     MapScreen::Arc arc;
-    arc.id = segment.id;
+    arc.id = idOf(segment);
     arc.label = segment.label;
     arc.share = ring.share(segment.bytes);
     arc.icon = segment.icon;
-    arc.fill = segment.id == "rest" ? MapScreen::Arc::Fill::rest : MapScreen::Arc::Fill::held;
+    arc.fill = segment.kind == Segment::Kind::rest ? MapScreen::Arc::Fill::rest : MapScreen::Arc::Fill::held;
     arc.span = {ring.degrees(before), ring.degrees(segment.bytes)};
     arc.quit = {ring.degrees(end - free - quit), ring.degrees(quit)};
     arc.free = {ring.degrees(end - free), ring.degrees(free)};
@@ -110,7 +115,7 @@ MapScreen::MapScreen(const ScreenInput& input, const MemoryPicture& picture, con
     std::unordered_set<std::string_view> drawn;
     std::uint64_t before = 0;
     for (const Segment* segment : placed(picture, state.arcOrder)) {
-        const bool isSelected = state.selectedArc == segment->id;
+        const bool isSelected = state.selectedArc == idOf(*segment);
         if (isSelected) selected = segment;
         arcs.push_back(arc(*segment, ring, before, isSelected));
         before += segment->bytes;

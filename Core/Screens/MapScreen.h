@@ -24,7 +24,7 @@ struct MapScreen {
     /// One app: what it holds on the inner ring, what it can give back on the outer one, over the end of its own arc.
     struct Arc {
         enum class Fill { held, rest };
-        /// The segment's: stable from tick to tick.
+        /// Its own among the arcs, stable from tick to tick.
         std::string id;
         std::string label;
         /// "30%" of what the whole ring stands for.

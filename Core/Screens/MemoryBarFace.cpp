@@ -22,7 +22,7 @@ MemoryBarFace::MemoryBarFace(const MemoryPicture& picture, std::uint64_t scale) 
                             .stays = fraction(segment.bytes - free - quit),
                             .quit = fraction(quit),
                             .free = fraction(free),
-                            .isRest = segment.id == "rest"});
+                            .isRest = segment.kind == MemoryPicture::Segment::Kind::rest});
         before += segment.bytes;
     }
     ramAt = fraction(picture.ram);

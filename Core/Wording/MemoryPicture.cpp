@@ -94,6 +94,7 @@ MemoryPicture::MemoryPicture(const Snapshot& snapshot, const ProcessIndex& index
     }
     Segment leftovers;
     leftovers.id = "leftovers";
+    leftovers.kind = Segment::Kind::leftovers;
     leftovers.icon = IconRef{{}, std::string(AppIcons::code)};
     std::size_t others = 0;
     for (const Claims::Claim& claim : claims.all) {
@@ -119,7 +120,9 @@ MemoryPicture::MemoryPicture(const Snapshot& snapshot, const ProcessIndex& index
     for (const Proc& proc : snapshot.processes) used += proc.footprintBytes;
     const std::uint64_t rest = used - accounted;
     // More claimed than used wraps round, and lies far above four times the memory.
-    if (rest > ram / 50 && rest / 4 < ram) segments.push_back({"rest", "Everything else", {}, rest, 0, 0, {}});
+    if (rest > ram / 50 && rest / 4 < ram) {
+        segments.push_back({"rest", "Everything else", {}, rest, 0, 0, {}, Segment::Kind::rest});
+    }
 }
 
 std::uint64_t MemoryPicture::held() const { return sum(segments, &Segment::bytes); }

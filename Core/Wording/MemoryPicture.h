@@ -15,7 +15,9 @@ namespace ravik {
 /// The machine's memory split by app, with the part marked that can be had back.
 struct MemoryPicture {
     struct Segment {
-        /// A group's id, "leftovers" or "rest".
+        enum class Kind { app, leftovers, rest };
+
+        /// A group's id, "leftovers" or "rest"; a group may have one of these names too, which `kind` tells.
         std::string id;
         std::string label;
         /// Absent for "rest".
@@ -26,6 +28,7 @@ struct MemoryPicture {
         /// Of that, what comes back if the user quits or confirms.
         std::uint64_t quitBytes = 0;
         std::vector<std::string> findingIDs;
+        Kind kind = Kind::app;
 
         friend bool operator==(const Segment&, const Segment&) = default;
     };

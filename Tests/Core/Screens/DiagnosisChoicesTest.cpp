@@ -122,7 +122,7 @@ TEST_F(DiagnosisChoicesTest, ArcsAreSelectedRoundAndRound) {
     orphan(800, "big", 4000);
     orphan(801, "middle", 2000);
     made().setMode(Mode::map);
-    ASSERT_THAT(model->map().arcIds(), ElementsAre("big", "middle"));
+    ASSERT_THAT(model->map().arcIds(), ElementsAre("app:big", "app:middle"));
     model->selectNextArc();
     EXPECT_EQ(model->map().panel.name, "big");
     model->selectPreviousArc();
@@ -142,12 +142,12 @@ TEST_F(DiagnosisChoicesTest, ASelectedArcHoldsTheRing) {
     orphan(800, "big", 4000);
     orphan(801, "middle", 2000);
     made().setMode(Mode::map);
-    model->selectArc("big");
+    model->selectArc("app:big");
     machine.processes.find(801)->footprintBytes = 6000 * mib;
     tick();
-    EXPECT_THAT(model->map().arcIds(), ElementsAre("big", "middle"));
+    EXPECT_THAT(model->map().arcIds(), ElementsAre("app:big", "app:middle"));
     model->selectArc({});
-    EXPECT_THAT(model->map().arcIds(), ElementsAre("middle", "big"));
+    EXPECT_THAT(model->map().arcIds(), ElementsAre("app:middle", "app:big"));
 }
 
 TEST_F(DiagnosisChoicesTest, AnOpenSheetFollowsTheMachineUntilItsFindingHasGone) {

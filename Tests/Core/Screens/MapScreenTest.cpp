@@ -46,7 +46,7 @@ Names ids(const std::vector<DiagnosisCard>& cards) {
 
 TEST(MapScreen, EachArcSpansItsShareOneAfterTheOther) {
     const MapScreen map = halfFull().map();
-    ASSERT_EQ(map.arcIds(), (Names{"Arc", "Foo"}));
+    ASSERT_EQ(map.arcIds(), (Names{"app:Arc", "app:Foo"}));
     EXPECT_EQ(map.arcs[0].span, (MapScreen::Span{0, 180}));
     EXPECT_EQ(map.arcs[1].span, (MapScreen::Span{180, 45}));
     EXPECT_EQ(map.arcs[0].share, "50%");
@@ -103,7 +103,7 @@ TEST(MapScreen, WithoutASelectionThePanelSaysWhatToDo) {
 
 TEST(MapScreen, ASelectedArcShowsItsFindings) {
     Scene scene = halfFull();
-    scene.state.selectedArc = "Arc";
+    scene.state.selectedArc = "app:Arc";
     const MapScreen map = scene.map();
     EXPECT_TRUE(map.arcs[0].isSelected);
     EXPECT_FALSE(map.arcs[1].isSelected);
@@ -119,7 +119,7 @@ TEST(MapScreen, ASelectedArcShowsItsFindings) {
 TEST(MapScreen, AnArcWithoutFindingsHoldsMemoryInUse) {
     Scene scene = halfFull();
     scene.procs.push_back(app(9, "Bar").mb(1024));
-    scene.state.selectedArc = "Bar";
+    scene.state.selectedArc = "app:Bar";
     EXPECT_EQ(scene.map().panel.nothing, "Nothing to fix here. It holds memory you are using.");
     EXPECT_TRUE(scene.map().panel.findings.empty());
 }
@@ -144,7 +144,7 @@ TEST(MapScreen, AnOutcomeStandsInThePanelOfItsArcElseByItself) {
     scene.state.done = {
         {.finding = scene.findings[1], .line = "1 ended · 0 survivors · 5\u00a0MB", .name = "Foo", .icon = {}},
         {.finding = scene.findings[2], .line = "done", .name = "it", .icon = {}, .number = 1}};
-    scene.state.selectedArc = "Foo";
+    scene.state.selectedArc = "app:Foo";
     MapScreen map = scene.map();
     EXPECT_TRUE(map.panel.findings.empty());
     ASSERT_EQ(map.panel.resolved.size(), 1u);
@@ -158,10 +158,26 @@ TEST(MapScreen, AnOutcomeStandsInThePanelOfItsArcElseByItself) {
 
 TEST(MapScreen, HeldArcsKeepTheirPlaces) {
     Scene scene = halfFull();
-    scene.state.arcOrder = {"Foo", "Gone", "Arc"};
+    scene.state.arcOrder = {"app:Foo", "app:Gone", "app:Arc"};
     const MapScreen map = scene.map();
-    EXPECT_EQ(map.arcIds(), (Names{"Foo", "Arc"}));
+    EXPECT_EQ(map.arcIds(), (Names{"app:Foo", "app:Arc"}));
     EXPECT_EQ(map.arcs[1].span, (MapScreen::Span{45, 180}));
+}
+
+TEST(MapScreen, AnAppThatIsCalledLikeTheRestIsAPartOfItsOwn) {
+    Scene scene;
+    scene.procs = {app(7, "rest").mb(4096), app(8, "leftovers").mb(3072), Making(9, "/tmp/a").uid(0).mb(2048),
+                   Making(10, "/tmp/b").mb(100)};
+    scene.findings = {finding("orphan:10", KillTrees{{10}}, 100 * MiB)};
+    scene.state.selectedArc = "rest";
+    scene.state.arcOrder = {"rest"};
+    const MapScreen map = scene.map();
+    EXPECT_EQ(map.arcIds(), (Names{"rest", "app:rest", "app:leftovers", "leftovers"}));
+    EXPECT_EQ(map.arcs.at(0).fill, Arc::Fill::rest);
+    EXPECT_TRUE(map.arcs[0].isSelected);
+    EXPECT_EQ(map.arcs.at(1).fill, Arc::Fill::held);
+    EXPECT_FALSE(map.arcs[1].isSelected);
+    EXPECT_EQ(map.panel.name, "Everything else");
 }
 
 TEST(MapScreen, AnEmptyMachineHasAnEmptyRing) {

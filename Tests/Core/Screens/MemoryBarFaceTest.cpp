@@ -10,6 +10,8 @@ using namespace fakes;
 
 namespace {
 
+using Kind = MemoryPicture::Segment::Kind;
+
 MemoryPicture picture(std::vector<MemoryPicture::Segment> segments, std::uint64_t ram = 16 * GiB) {
     MemoryPicture made;
     made.segments = std::move(segments);
@@ -20,8 +22,8 @@ MemoryPicture picture(std::vector<MemoryPicture::Segment> segments, std::uint64_
 }  // namespace
 
 TEST(MemoryBarFace, PutsTheAppsSideBySideWithTheirPartsInside) {
-    const MemoryBarFace bar(picture(
-        {{"Arc", "Arc", {}, 8 * GiB, 1 * GiB, 4 * GiB, {}}, {"rest", "Everything else", {}, 4 * GiB, 0, 0, {}}}));
+    const MemoryBarFace bar(picture({{"Arc", "Arc", {}, 8 * GiB, 1 * GiB, 4 * GiB, {}},
+                                     {"rest", "Everything else", {}, 4 * GiB, 0, 0, {}, Kind::rest}}));
     ASSERT_EQ(bar.segments.size(), 2u);
     EXPECT_EQ(bar.segments[0].start, 0);
     EXPECT_EQ(bar.segments[0].stays, 3.0 / 16);
@@ -55,6 +57,11 @@ TEST(MemoryBarFace, MemoryThatTwoFindingsClaimIsDrawnOnce) {
     EXPECT_EQ(bar.segments[0].stays, 0);
     EXPECT_EQ(bar.segments[0].free, 6.0 / 16);
     EXPECT_EQ(bar.segments[0].quit, 2.0 / 16);
+}
+
+TEST(MemoryBarFace, AnAppThatIsCalledLikeTheRestIsAnApp) {
+    const MemoryBarFace bar(picture({{"rest", "rest", {}, 4 * GiB, 0, 0, {}}}));
+    EXPECT_FALSE(bar.segments.at(0).isRest);
 }
 
 TEST(MemoryBarFace, WithoutAnyMemoryNothingIsDrawn) {

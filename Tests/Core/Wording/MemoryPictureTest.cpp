@@ -97,7 +97,8 @@ TEST(MemoryPicture, AHundredthOfTheMemoryGetsNoNameOfItsOwn) {
                                                        160 * MiB,
                                                        160 * MiB,
                                                        0,
-                                                       {"orphan:7"}}}));
+                                                       {"orphan:7"},
+                                                       Segment::Kind::leftovers}}));
 }
 
 TEST(MemoryPicture, LeftoversAreCountedByOwnerAndListedByFinding) {
@@ -131,7 +132,8 @@ TEST(MemoryPicture, OtherUsersFallIntoTheRest) {
     scene.procs = {Making(7, "/tmp/a").uid(0).mb(5000), app(8, "Arc").mb(3000)};
     const MemoryPicture picture = scene.picture();
     EXPECT_EQ(ids(picture), (Ids{"Arc", "rest"}));
-    EXPECT_EQ(*find(picture, "rest"), (Segment{"rest", "Everything else", {}, 5000 * MiB, 0, 0, {}}));
+    EXPECT_EQ(*find(picture, "rest"),
+              (Segment{"rest", "Everything else", {}, 5000 * MiB, 0, 0, {}, Segment::Kind::rest}));
 }
 
 TEST(MemoryPicture, TheRestIsShownAboveAFiftiethOfTheMemory) {
