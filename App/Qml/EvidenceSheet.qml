@@ -21,9 +21,15 @@ FocusScope {
     }
 
     MouseArea {
+        id: around
+
+        property bool isMeant: true
+
         anchors.fill: parent
         hoverEnabled: true
-        onClicked: sheet.model.closeSheet()
+        onPressed: mouse => isMeant = Presses.isMeant(around, Qt.point(mouse.x, mouse.y))
+        onClicked: if (isMeant)
+            sheet.model.closeSheet()
         onWheel: wheel => wheel.accepted = true
     }
 

@@ -18,7 +18,7 @@ Item {
     /// In a question Return has a meaning of its own.
     property bool isReturnTaken: true
     readonly property bool hovered: area.containsMouse && enabled
-    readonly property bool pressed: (area.pressed && area.containsMouse) || spaceHeld
+    readonly property bool pressed: (area.pressed && area.isMeant && area.containsMouse) || spaceHeld
     property bool spaceHeld: false
 
     property HelpTip tip: null
@@ -64,9 +64,17 @@ Item {
     MouseArea {
         id: area
 
+        property bool isMeant: true
+
         anchors.fill: parent
         hoverEnabled: true
-        onClicked: pressable.triggered()
+        onPressed: mouse => isMeant = Presses.isMeant(pressable, Qt.point(mouse.x, mouse.y))
+        onClicked: mouse => {
+            if (!isMeant)
+                return;
+            Presses.note(pressable, Qt.point(mouse.x, mouse.y));
+            pressable.triggered();
+        }
     }
 
     FocusRing {

@@ -1,6 +1,7 @@
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickWindow>
+#include <QStyleHints>
 #include <QtQuickTest>
 
 #include "App/Views/Tokens.h"
@@ -15,6 +16,9 @@ class Desk : public QObject {
 
 public:
     Q_INVOKABLE void setTextScale(double scale) { Tokens::instance().setTextScale(scale); }
+    Q_INVOKABLE void setDoubleClickTime(int milliseconds) {
+        QGuiApplication::styleHints()->setMouseDoubleClickInterval(milliseconds);
+    }
     Q_INVOKABLE void setReducedMotion(bool reduced) { Tokens::instance().setReducedMotion(reduced); }
 };
 
@@ -23,6 +27,8 @@ class Setup : public QObject {
 
 public Q_SLOTS:
     void applicationAvailable() {
+        // Tests press faster than any hand.
+        QGuiApplication::styleHints()->setMouseDoubleClickInterval(0);
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
         qml_register_types_Ravik();
         QFont font = QGuiApplication::font();

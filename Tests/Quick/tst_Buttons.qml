@@ -52,6 +52,7 @@ TestCase {
     }
 
     function cleanup() {
+        desk.setDoubleClickTime(0);
         desk.setTextScale(1);
         desk.setReducedMotion(false);
         spy.target = null;
@@ -173,5 +174,60 @@ TestCase {
         mouseClick(made);
         compare(spy.count, 1);
         compare(made.Accessible.name, "Keep This One Running");
+    }
+
+    function test_theSecondOfTwoPressesDoesNotHitWhatCameUnderThePointer_data() {
+        return [{
+                "tag": "the first one went",
+                "then": first => first.visible = false
+            }, {
+                "tag": "the first one cannot be pressed any more",
+                "then": first => first.enabled = false
+            }, {
+                "tag": "the first one moved away",
+                "then": first => first.x = 300
+            }, {
+                "tag": "the first one was destroyed",
+                "then": first => first.destroy()
+            }];
+    }
+
+    function test_theSecondOfTwoPressesDoesNotHitWhatCameUnderThePointer(data) {
+        wait(200);
+        desk.setDoubleClickTime(200);
+        const next = make(plain, {
+                "width": 200
+            });
+        const first = make(plain, {
+                "width": 60
+            });
+        first.triggered.connect(() => data.then(first));
+        mouseClick(first, 20, 10);
+        wait(20);
+        spy.target = next;
+        spy.clear();
+        mouseClick(next, 20, 10);
+        mouseClick(next, 120, 10);
+        compare(spy.count, 0);
+        wait(220);
+        mouseClick(next, 20, 10);
+        compare(spy.count, 1);
+    }
+
+    function test_twoButtonsThatStayCanBePressedQuickly() {
+        wait(200);
+        desk.setDoubleClickTime(200);
+        const first = make(plain);
+        const second = make(plain, {
+                "x": 200
+            });
+        mouseClick(first);
+        mouseClick(second);
+        compare(spy.count, 1);
+        spy.target = first;
+        spy.clear();
+        mouseClick(first);
+        mouseClick(first);
+        compare(spy.count, 2);
     }
 }
