@@ -94,6 +94,8 @@ bool StatusBarController::launch(const Activation& asked) {
     m_monitor.takeOverWhenFree();
     m_monitor.start();
     m_startToken = QByteArray::fromStdString(asked.token);
+    // The program starts without its window.
+    m_nav.setWindowShown(m_views.isMainOpen());
     readEnvironment();
     if (!asked.action.empty()) activate(asked);
     return true;

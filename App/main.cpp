@@ -6,8 +6,10 @@
 
 #include "App/StatusBarController.h"
 #include "App/Views/ActivationToken.h"
+#include "App/Views/Tokens.h"
 #include "Core/Diagnosis/Classifier.h"
 #include "Core/Diagnosis/Rx.h"
+#include "Platform/Compositor.h"
 #include "Platform/Computer.h"
 
 namespace {
@@ -72,6 +74,7 @@ int main(int argc, char** argv) {
              .enabled = !computer->environment("XCTestConfigurationFilePath"),
              .createdAt = creationDate});
 
+    app::Tokens::instance().setCompositor(isComposited);
     app::StatusBarController controller(*computer, log, host);
     computer->onTermination([&controller] { controller.quit(); });
     if (!controller.launch(activation(QApplication::arguments(), token))) return 0;

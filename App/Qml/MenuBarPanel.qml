@@ -10,7 +10,10 @@ Window {
     id: panel
 
     required property PanelView model
-    readonly property real highest: 640
+    readonly property real highest: Math.min(640, room.height - 16)
+    readonly property WindowRoom room: WindowRoom {
+        window: panel
+    }
 
     flags: Qt.Tool | Qt.FramelessWindowHint
     width: 360

@@ -8,9 +8,12 @@ Window {
     id: window
 
     required property NoticeView model
+    readonly property WindowRoom room: WindowRoom {
+        window: window
+    }
 
     flags: Qt.Dialog
-    width: Math.min(440 * Tokens.grow, Screen.desktopAvailableWidth - 48)
+    width: Math.min(440 * Tokens.grow, room.width - 48)
     height: words.height + 40
     color: Tokens.window
     title: model.title

@@ -21,12 +21,14 @@ Column {
     required property string iconSymbol
 
     Label {
+        width: row.width
         visible: row.heading !== ""
         topPadding: 16 + lead
         bottomPadding: 4 - lead
         text: row.heading
         color: Tokens.text2
         font: Tokens.listHead
+        wrapMode: Text.Wrap
         Accessible.role: Accessible.Heading
     }
 
@@ -48,7 +50,7 @@ Column {
             anchors.verticalCenter: parent.verticalCenter
             app: row.iconApp
             symbol: row.iconSymbol
-            size: 22
+            size: 22 * Tokens.grow
         }
 
         Column {
@@ -104,6 +106,7 @@ Column {
     }
 
     Label {
+        width: row.width
         visible: row.more !== ""
         topPadding: 4 + lead
         text: row.more

@@ -9,18 +9,22 @@ Window {
 
     required property QuestionView model
     readonly property real padding: 20
-    readonly property real highest: Screen.desktopAvailableHeight - 48
+    readonly property real highest: room.height - 48
+    readonly property bool isRound: Tokens.isComposited()
+    readonly property WindowRoom room: WindowRoom {
+        window: window
+    }
 
     flags: Qt.Dialog | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
     modality: Qt.ApplicationModal
-    width: Math.min(440 * Tokens.grow, Screen.desktopAvailableWidth - 48)
+    width: Math.min(440 * Tokens.grow, room.width - 48)
     height: Math.min(content.implicitHeight + 2 * padding, highest)
-    color: "transparent"
+    color: isRound ? "transparent" : Tokens.panel
     title: model.title
 
     Rectangle {
         anchors.fill: parent
-        radius: Tokens.radiusPopup
+        radius: window.isRound ? Tokens.radiusPopup : 0
         color: Tokens.panel
         border.color: Tokens.edge
         Accessible.role: Accessible.AlertMessage

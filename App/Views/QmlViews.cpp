@@ -20,6 +20,22 @@ namespace {
 /// From the loss of the focus, at the press, to the click that a tray tells of, at the release.
 constexpr int clickLasts = 500;  // ms
 
+/// Tells what the window system says of a window that it has on view: whether anything of it can be seen.
+class Exposure : public QObject {
+public:
+    Exposure(QWindow& window, std::function<void(bool)> tell) : QObject(&window), m_tell(std::move(tell)) {
+        window.installEventFilter(this);
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const auto* window = qobject_cast<const QWindow*>(watched);
+        if (event->type() == QEvent::Expose && window && window->isVisible()) m_tell(window->isExposed());
+        return false;
+    }
+
+private:
+    std::function<void(bool)> m_tell;
+};
+
 bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
 
 }  // namespace
@@ -65,9 +81,11 @@ void QmlViews::showPanel() {
 
 void QmlViews::placePanel() {
     if (!m_panel) return;
-    const QScreen* screen = QGuiApplication::screenAt(m_icon.isEmpty() ? m_pointer : m_icon.center());
+    QScreen* screen = QGuiApplication::screenAt(m_icon.isEmpty() ? m_pointer : m_icon.center());
     if (!screen) screen = QGuiApplication::primaryScreen();
-    if (screen) m_panel->setPosition(panelPlace(m_panel->size(), m_icon, m_pointer, screen->availableGeometry()));
+    if (!screen) return;
+    m_panel->setScreen(screen);
+    m_panel->setPosition(panelPlace(m_panel->size(), m_icon, m_pointer, screen->availableGeometry()));
 }
 
 void QmlViews::leavePanel() {
@@ -99,6 +117,7 @@ void QmlViews::openMain(const QByteArray& token) {
             closeMain();
             if (m_mainClosed) m_mainClosed();
         });
+        new Exposure(*m_main, [this](bool exposed) { m_program.nav.setWindowShown(exposed); });
         m_main->show();
         m_program.nav.windowAppeared();
     }

@@ -29,7 +29,7 @@ const RecordListModel<Row>::Role roles[]{
 std::vector<Row> rowsOf(const QuestionScreen& screen) {
     std::vector<Row> rows;
     for (const auto& section : screen.sections) {
-        for (const auto& row : section.rows) rows.push_back({row, {}, {}});
+        for (const auto& row : section.rows) rows.push_back({rows.size(), row, {}, {}});
         rows[rows.size() - section.rows.size()].heading = section.heading;
         rows.back().more = section.more;
     }
@@ -57,7 +57,7 @@ QuestionKeys::Press press(const QKeyEvent& event) {
 QuestionView::QuestionView(QuestionScreen screen, Answer answer)
     : m_screen(std::move(screen)),
       m_rows(
-          roles, [](const Row& row) { return row.row.name; }, this),
+          roles, [](const Row& row) { return std::to_string(row.place); }, this),
       m_answer(std::move(answer)) {
     m_rows.set(rowsOf(m_screen));
 }

@@ -30,6 +30,8 @@ class QuestionView : public View {
 public:
     /// A row of either list. The first of a list carries its heading, the last what is not shown.
     struct Row {
+        /// Two may have the same name.
+        std::size_t place = 0;
         QuestionScreen::Row row;
         std::string heading;
         std::string more;

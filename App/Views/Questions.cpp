@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <QCursor>
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -29,9 +30,12 @@ void Questions::put(const Confirmation& question, std::function<void(bool)> resu
     auto& keys = *view;
     m_window = m_frame.open("QuestionWindow", std::move(view));
     keys.watch(*m_window);
+    // Where the user is.
+    const QWindow* front = QGuiApplication::focusWindow();
+    QScreen* screen = front ? front->screen() : QGuiApplication::screenAt(QCursor::pos());
+    if (screen) m_window->setScreen(screen);
     Q_EMIT asked();
-    const QScreen* screen = m_window->screen();
-    const QRect free = screen ? screen->availableGeometry() : QRect();
+    const QRect free = m_window->screen() ? m_window->screen()->availableGeometry() : QRect();
     m_window->setPosition(free.center() - QRect(QPoint(), m_window->size()).center());
     m_window->show();
     raise();

@@ -13,6 +13,7 @@ namespace ravik::app {
 namespace {
 
 constexpr qreal usualBase = 40.0 / 3;  // 10 points at 96 dots an inch
+constexpr double usualDotsPerInch = 96;
 constexpr double growsFrom = 1.25;
 constexpr double bigFrom = 1.5;
 constexpr double lineRatio = 1.4;
@@ -22,7 +23,7 @@ constexpr double headlineRatio = 1.3;
 qreal pixels(const QFont& font) {
     if (font.pixelSize() > 0) return font.pixelSize();
     const QScreen* screen = QGuiApplication::primaryScreen();
-    return font.pointSizeF() * (screen ? screen->logicalDotsPerInchY() : 96) / 72;
+    return font.pointSizeF() * (screen ? screen->logicalDotsPerInchY() : usualDotsPerInch) / 72;
 }
 
 bool hasEqualDigits(const QFont& font) {
@@ -38,8 +39,9 @@ bool hasEqualDigits(const QFont& font) {
 
 Tokens::Tokens(QObject* parent) : QObject(parent) {
     qGuiApp->installEventFilter(this);
+    connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Tokens::followScreen);
     readColours();
-    readFonts();
+    followScreen();
 }
 
 Tokens& Tokens::instance() {
@@ -92,12 +94,31 @@ void Tokens::readColours() {
     Q_EMIT coloursChanged();
 }
 
+double Tokens::ownTextScale(double wanted, bool isX11, double devicePixelRatio, double dotsPerInch) {
+    // Elsewhere the ratio is the screen's own, and says nothing of text.
+    const double byQt = dotsPerInch / usualDotsPerInch * (isX11 ? devicePixelRatio : 1);
+    return qFuzzyCompare(byQt, 1) ? wanted : 1;
+}
+
+void Tokens::followScreen() {
+    disconnect(m_following);
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        m_following = connect(screen, &QScreen::logicalDotsPerInchChanged, this, &Tokens::readFonts);
+    }
+    readFonts();
+}
+
 void Tokens::readFonts() {
     m_font = QGuiApplication::font();
+    double scale = m_scale;
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        const bool isX11 = QGuiApplication::platformName() == QLatin1String("xcb");
+        scale = ownTextScale(scale, isX11, screen->devicePixelRatio(), screen->logicalDotsPerInchY());
+    }
     if (m_font.pointSizeF() > 0) {
-        m_font.setPointSizeF(m_font.pointSizeF() * m_scale);
+        m_font.setPointSizeF(m_font.pointSizeF() * scale);
     } else {
-        m_font.setPixelSize(qRound(m_font.pixelSize() * m_scale));
+        m_font.setPixelSize(qRound(m_font.pixelSize() * scale));
     }
     m_monospaced = QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
     m_isTabular = hasEqualDigits(m_font);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include <qqml.h>
@@ -113,6 +114,11 @@ public:
     void setReducedMotion(bool reducedMotion);
     /// By what text is to be larger than the desktop's font says; 1 for as it says.
     void setTextScale(double scale);
+    /// What of that is left to do: on X11 the same wish reaches Qt as the resolution of the screen, and then Qt enlarges
+    /// all there is. `devicePixelRatio` and `dotsPerInch` are what Qt says of that screen.
+    static double ownTextScale(double wanted, bool isX11, double devicePixelRatio, double dotsPerInch);
+    /// How to find out whether what a window leaves transparent can be seen through now; empty: it can.
+    void setCompositor(std::function<bool()> isComposited) { m_isComposited = std::move(isComposited); }
 
     const Colours& all() const { return m_colours; }
     QColor tolvaneSignalText() const { return m_colours.tolvaneSignalText; }
@@ -176,6 +182,8 @@ public:
     Q_INVOKABLE qreal lead(const QFont& font) const;
     /// The width of the widest digit.
     Q_INVOKABLE qreal digit(const QFont& font) const;
+    /// Whether a window of this moment can have round corners.
+    Q_INVOKABLE bool isComposited() const { return !m_isComposited || m_isComposited(); }
 
     int radiusCard() const { return 8; }
     int radiusControl() const { return 6; }
@@ -204,6 +212,7 @@ private:
 
     void readColours();
     void readFonts();
+    void followScreen();
     QFont styled(double size, QFont::Weight weight) const;
     QFont monospaced(double size) const;
     static QEasingCurve curve(QPointF first, QPointF second);
@@ -212,6 +221,8 @@ private:
     ColourScheme m_scheme;
     Colours m_colours;
     double m_scale = 1;
+    std::function<bool()> m_isComposited;
+    QMetaObject::Connection m_following;
     QFont m_font;
     QString m_monospaced;
     qreal m_base = 0;

@@ -1,5 +1,6 @@
 #include "App/Views/QmlViews.h"
 
+#include <QScreen>
 #include <QTest>
 
 #include "Tests/App/Desk.h"
@@ -116,6 +117,26 @@ TEST_F(QmlViewsTest, ClosingTheMainWindowIsSeenByTheNavigation) {
     views.openMain({});
     EXPECT_TRUE(nav.windowShown());
     EXPECT_EQ(folder.lines("window").size(), 2u);
+}
+
+TEST_F(QmlViewsTest, ThePanelIsNoHigherThanTheScreenItOpensOn) {
+    const QRect small = QGuiApplication::screens().at(1)->availableGeometry();
+    for (int pid = 800; pid < 806; ++pid) {
+        fakes::FakeProcess process;
+        process.pid = pid;
+        process.name = "server-" + std::to_string(pid);
+        process.command = "/tmp/" + process.name;
+        process.started = machine.clock.now() - 7200;
+        process.footprintBytes = 100 << 20;
+        machine.processes.add(process);
+    }
+    monitor.readNow();
+    views.openPanel(QRect(small.center().x(), small.top(), 24, 24));
+    settle();
+    ASSERT_TRUE(panel());
+    EXPECT_EQ(panel()->screen(), QGuiApplication::screens().at(1));
+    EXPECT_EQ(panel()->height(), small.height() - 16);
+    EXPECT_TRUE(small.contains(panel()->geometry()));
 }
 
 TEST_F(QmlViewsTest, OpensTheMainWindowOnceAndBringsItToTheFrontAfterwards) {

@@ -2,9 +2,11 @@
 
 #include <QKeyEvent>
 #include <QQuickItem>
+#include <QScreen>
 #include <QStyleHints>
 #include <QTest>
 
+#include "App/Views/Tokens.h"
 #include "Tests/App/Desk.h"
 
 namespace ravik::app {
@@ -223,6 +225,88 @@ TEST_F(QuestionsTest, StandsWholeOnTheScreenAndShowsSixRowsOfSeven) {
     EXPECT_EQ(role(5, "more"), QStringLiteral("1 more"));
     EXPECT_EQ(role(6, "heading"), QStringLiteral("Stays running"));
     EXPECT_EQ(role(6, "word"), QStringLiteral("left alone"));
+}
+
+class QuestionLooks : public QuestionsTest {
+protected:
+    ~QuestionLooks() override {
+        Tokens::instance().setTextScale(1);
+        Tokens::instance().setCompositor({});
+        QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    }
+    static QList<QQuickItem*> all(QQuickItem* under, const char* type) {
+        QList<QQuickItem*> found;
+        if (QByteArray(under->metaObject()->className()).startsWith(type)) found.append(under);
+        for (auto* child : under->childItems()) found.append(all(child, type));
+        return found;
+    }
+};
+
+TEST_F(QuestionLooks, IconsGrowWithTheText) {
+    Tokens::instance().setTextScale(2);
+    auto* window = ask();
+    ASSERT_TRUE(window);
+    const auto icons = all(window->contentItem(), "ravik::app::AppIcon");
+    ASSERT_EQ(icons.size(), 2);
+    EXPECT_NEAR(icons[0]->property("size").toReal(), 22 * Tokens::instance().grow(), 0.01);
+    EXPECT_GT(icons[0]->property("size").toReal(), 35);
+}
+
+TEST_F(QuestionLooks, FromRightToLeftTheHeadingsStandAtTheRight) {
+    QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+    auto* window = ask();
+    ASSERT_TRUE(window);
+    int headings = 0;
+    for (auto* row : all(window->contentItem(), "QuestionRow_QML")) {
+        for (auto* label : all(row, "Label_QML")) {
+            if (label->property("text") != row->property("heading") || !label->isVisible()) continue;
+            ++headings;
+            EXPECT_EQ(label->width(), row->width());
+            EXPECT_EQ(label->property("effectiveHorizontalAlignment").toInt(), int(Qt::AlignRight));
+        }
+    }
+    EXPECT_EQ(headings, 2);
+}
+
+TEST_F(QuestionLooks, TwoOfOneNameAreTwoRows) {
+    Confirmation twice = question();
+    twice.ends.push_back(twice.ends[0]);
+    twice.leftAlone.push_back(twice.ends[0]);
+    auto* window = ask(twice);
+    ASSERT_TRUE(window);
+    EXPECT_EQ(all(window->contentItem(), "QuestionRow_QML").size(), 4);
+}
+
+TEST_F(QuestionLooks, CornersAreRoundOnlyWhereTheScreenIsComposed) {
+    auto* window = ask();
+    ASSERT_TRUE(window);
+    EXPECT_EQ(window->color().alpha(), 0);
+    QTest::keyClick(window, Qt::Key_Escape);
+    settle();
+    Tokens::instance().setCompositor([] { return false; });
+    window = ask();
+    ASSERT_TRUE(window);
+    EXPECT_EQ(window->color().alpha(), 255);
+    const auto surfaces = all(window->contentItem(), "QQuickRectangle");
+    ASSERT_FALSE(surfaces.isEmpty());
+    EXPECT_EQ(surfaces[0]->property("radius").toReal(), 0);
+}
+
+TEST_F(QuestionLooks, StandsWholeOnTheScreenWhereTheUserIs) {
+    QScreen* small = QGuiApplication::screens().at(1);
+    QWindow front;
+    front.setScreen(small);
+    front.setGeometry(small->geometry());
+    front.show();
+    front.requestActivate();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&front));
+    Confirmation large = question();
+    for (int row = 0; row < 5; ++row) large.ends.push_back(large.ends[0]);
+    auto* window = ask(large);
+    ASSERT_TRUE(window);
+    EXPECT_EQ(window->screen(), small);
+    EXPECT_LE(window->height(), small->availableSize().height() - 48);
+    EXPECT_TRUE(small->availableGeometry().contains(window->geometry()));
 }
 
 }  // namespace

@@ -59,6 +59,15 @@ TEST_F(StatusBarControllerTest, ATestHostSkipsTheCheckForAnother) {
     EXPECT_TRUE(folder.lines("secondInstance").empty());
 }
 
+TEST_F(StatusBarControllerTest, StartsWithoutItsWindow) {
+    start();
+    EXPECT_FALSE(controller->nav().windowShown());
+    controller->openMain();
+    EXPECT_TRUE(controller->nav().windowShown());
+    controller->views().closeMain();
+    EXPECT_FALSE(controller->nav().windowShown());
+}
+
 TEST_F(StatusBarControllerTest, WatchesWhereNobodyElseDoes) {
     start();
     EXPECT_TRUE(launched);

@@ -178,6 +178,16 @@ TEST(Tokens, GrowWithTheTextWhereItIsMuchLarger) {
     EXPECT_DOUBLE_EQ(tokens.tolvaneBody().pointSizeF(), 20);
 }
 
+TEST(Tokens, EnlargeTextOnceWhereQtEnlargesAllBecauseOfTheSameWish) {
+    EXPECT_EQ(Tokens::ownTextScale(1.25, true, 1, 96), 1.25) << "nobody has told the X server";
+    EXPECT_EQ(Tokens::ownTextScale(1.25, true, 1.25, 96), 1);
+    EXPECT_EQ(Tokens::ownTextScale(2, true, 2, 96), 1);
+    EXPECT_EQ(Tokens::ownTextScale(1.25, true, 2.5, 96), 1) << "large windows besides";
+    EXPECT_EQ(Tokens::ownTextScale(0.8, true, 1, 76), 1) << "Qt makes windows no smaller, but text";
+    EXPECT_EQ(Tokens::ownTextScale(1.25, false, 2, 96), 1.25) << "elsewhere that is the screen";
+    EXPECT_EQ(Tokens::ownTextScale(1.25, false, 2, 120), 1);
+}
+
 TEST(Tokens, StandStillWithReducedMotion) {
     Tokens tokens(nullptr);
     EXPECT_EQ(tokens.tickDownTime(), 400);
