@@ -1,21 +1,20 @@
 import QtQuick
 import Ravik
 
-// What comes back, or what will be done, and the button for it.
+// What comes back, or what is held and what will be done, and the button for it.
 Item {
     id: action
 
     required property CardRow card
     required property real room
     required property bool isBroken
+    readonly property real most: room - (press.visible ? 12 + press.width : 0)
 
     implicitWidth: isBroken ? room : Math.min(room, amount.width + (press.visible ? 12 + press.width : 0))
     implicitHeight: Math.max(amount.height, press.visible ? press.height : 0)
 
     Loader {
         id: amount
-
-        readonly property real most: action.room - (press.visible ? 12 + press.width : 0)
 
         anchors.left: action.isBroken ? parent.left : undefined
         anchors.right: action.isBroken ? undefined : press.visible ? press.left : parent.right
@@ -41,14 +40,12 @@ Item {
     Component {
         id: words
 
-        Label {
-            width: Math.min(Math.ceil(implicitWidth), amount.most)
-            text: action.card.amount
-            color: action.card.isMemory ? Tokens.text : Tokens.text2
-            font: action.card.isMemory ? Tokens.amount : Tokens.tolvaneCallout
-            horizontalAlignment: action.isBroken ? Text.AlignLeft : Text.AlignRight
-            wrapMode: Text.Wrap
-            Accessible.ignored: true
+        CardAmount {
+            held: action.card.held
+            amount: action.card.amount
+            isMemory: action.card.isMemory
+            most: action.most
+            isAtEnd: !action.isBroken
         }
     }
 
@@ -56,7 +53,7 @@ Item {
         id: link
 
         TextLink {
-            width: Math.min(implicitWidth, amount.most)
+            width: Math.min(implicitWidth, action.most)
             text: action.card.amount
             onTriggered: action.card.run()
         }

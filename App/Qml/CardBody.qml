@@ -15,7 +15,7 @@ Pressable {
     role: Accessible.ListItem
     radius: Tokens.radiusCard
     insetRing: true
-    activeFocusOnTab: card.isSelected || card.isStop || activeFocus
+    activeFocusOnTab: card.isStop || activeFocus
     implicitHeight: Math.max(60, words.height + (isBroken ? action.height + 8 : 0) + 24, isBroken ? 0 : action.height + 24)
     Accessible.selectable: true
     Accessible.selected: card.isSelected

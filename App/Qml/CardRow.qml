@@ -16,12 +16,16 @@ Item {
     required property string sentence
     required property string amount
     required property bool isMemory
+    /// Beside an amount that is words; none where empty.
+    required property string held
     required property string button
     required property string help
     required property bool canRun
     required property string instead
     required property bool opensDisk
     required property bool isSelected
+    /// The way in for Tab.
+    required property bool isStop
     required property bool isEnding
     required property string spoken
     required property bool isLeaving

@@ -9,7 +9,6 @@ Column {
 
     required property SectionView model
     required property DiagnosisView screen
-    required property bool isFirst
     /// One of the screen's cards has the keyboard.
     required property bool hasFocus
 
@@ -42,7 +41,6 @@ Column {
                 delegate: FindingCard {
                     width: list.width
                     isLast: index === section.model.cards.count - 1
-                    isStop: section.isFirst && index === 0 && !section.screen.hasSelection
                     hasFocus: section.hasFocus
                     onOpened: section.screen.open(id)
                     onChosen: section.screen.select(id)

@@ -48,12 +48,10 @@ FocusScope {
 
                 delegate: CardSection {
                     required property SectionView modelData
-                    required property int index
 
                     width: column.width
                     model: modelData
                     screen: cards.model
-                    isFirst: index === 0
                     hasFocus: cards.activeFocus
                     onRevealed: item => cards.revealed(item)
                 }

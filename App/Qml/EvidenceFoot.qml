@@ -38,9 +38,10 @@ FocusScope {
         width: parent.width - 40
         visible: foot.face.hasKeep
         text: foot.face.keepLine
-        color: Tokens.text2
+        color: foot.face.hasKeepFailed ? Tokens.tolvaneCaution : Tokens.text2
         font: Tokens.tolvaneCaption
         wrapMode: Text.Wrap
+        Accessible.role: foot.face.hasKeepFailed ? Accessible.AlertMessage : Accessible.StaticText
     }
 
     PlainButton {

@@ -8,8 +8,6 @@ CardRow {
     id: row
 
     required property bool isLast
-    /// The way in for Tab while no card is selected.
-    required property bool isStop
     required property bool hasFocus
     property real share: isLeaving ? 0 : 1
 

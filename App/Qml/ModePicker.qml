@@ -9,10 +9,18 @@ Item {
 
     required property list<string> options
     required property int selection
-    /// What is chosen, to assistive technology.
+    /// What there is to choose: read, and shown when the pointer rests on it.
     required property string spoken
 
+    property HelpTip tip: null
+
     signal picked(int index)
+
+    function explain(shown: bool) {
+        if (tip)
+            tip.destroy();
+        tip = shown && spoken !== "" ? tipMaker.createObject(picker) : null;
+    }
 
     function step(by: int) {
         const mirrored = LayoutMirroring.enabled ? -by : by;
@@ -30,6 +38,19 @@ Item {
     Keys.onRightPressed: step(1)
     Accessible.role: Accessible.Grouping
     Accessible.name: spoken
+
+    HoverHandler {
+        onHoveredChanged: picker.explain(hovered)
+    }
+
+    Component {
+        id: tipMaker
+
+        HelpTip {
+            target: picker
+            text: picker.spoken
+        }
+    }
 
     Rectangle {
         anchors.fill: parent

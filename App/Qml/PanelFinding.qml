@@ -19,6 +19,8 @@ Item {
     /// None where empty.
     required property string keep
     required property string keepSymbol
+    /// That keeping it has failed; none where empty.
+    required property string keepNote
     readonly property bool isBroken: Tokens.isBig
 
     signal run
@@ -92,6 +94,19 @@ Item {
                     font: Tokens.tolvaneCaption
                     onTriggered: finding.kept()
                 }
+            }
+        }
+
+        Loader {
+            width: parent.width
+            active: finding.keepNote !== ""
+            visible: active
+            sourceComponent: Label {
+                text: finding.keepNote
+                color: Tokens.tolvaneCaution
+                font: Tokens.tolvaneCaption
+                wrapMode: Text.Wrap
+                Accessible.role: Accessible.AlertMessage
             }
         }
     }

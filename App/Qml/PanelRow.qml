@@ -20,11 +20,16 @@ Item {
     required property string help
     required property bool isEnabled
     required property bool hasKeep
+    required property string keepNote
     required property bool isResolved
     required property string resolvedSymbol
     required property bool isWell
 
     implicitHeight: Math.max(icon.height, content.height) + 20
+
+    HoverHandler {
+        onHoveredChanged: row.panel.pointAt(row.id, hovered)
+    }
 
     Rectangle {
         visible: row.index > 0
@@ -88,6 +93,7 @@ Item {
             isEnabled: row.isEnabled
             keep: row.hasKeep ? row.panel.keepLabel : ""
             keepSymbol: row.panel.keepSymbol
+            keepNote: row.keepNote
             onRun: row.panel.run(row.id)
             onKept: row.panel.keep(row.id)
         }

@@ -15,7 +15,7 @@ auto of(Read read) {
     return [read](const Card& row) { return std::invoke(read, row.record); };
 }
 
-const std::array<RecordListModel<Card>::Role, 20> cardRoles{{
+const std::array<RecordListModel<Card>::Role, 22> cardRoles{{
     {"id", of(&DiagnosisCard::id)},
     {"iconApp", of([](const DiagnosisCard& card) { return card.icon.app; })},
     {"iconSymbol", of([](const DiagnosisCard& card) { return card.icon.symbol; })},
@@ -28,12 +28,14 @@ const std::array<RecordListModel<Card>::Role, 20> cardRoles{{
     {"sentence", of(&DiagnosisCard::sentence)},
     {"amount", of(&DiagnosisCard::amount)},
     {"isMemory", of(&DiagnosisCard::isMemory)},
+    {"held", of(&DiagnosisCard::heldApart)},
     {"button", of([](const DiagnosisCard& card) { return card.button ? card.button->label : std::string(); })},
     {"help", of([](const DiagnosisCard& card) { return card.button ? card.button->help : std::string(); })},
     {"canRun", of([](const DiagnosisCard& card) { return card.button && card.button->isEnabled; })},
     {"instead", of(&DiagnosisCard::instead)},
     {"opensDisk", of(&DiagnosisCard::opensDisk)},
     {"isSelected", of(&DiagnosisCard::isSelected)},
+    {"isStop", of(&DiagnosisCard::isStop)},
     {"isEnding", of(&DiagnosisCard::isEnding)},
     {"spoken", of(&DiagnosisCard::accessible)},
     {"isLeaving", &Card::isLeaving},

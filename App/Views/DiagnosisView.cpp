@@ -1,11 +1,23 @@
 #include "App/Views/DiagnosisView.h"
 
+#include <algorithm>
+
 namespace ravik::app {
+
+namespace {
+
+/// Empty as long as there is no such screen.
+std::function<void()> toDisk(const Program& program) {
+    if (std::ranges::find(program.nav.screens(), Destination::disk) == program.nav.screens().end()) return {};
+    return [&program] { program.nav.go(Destination::disk); };
+}
+
+}  // namespace
 
 DiagnosisView::DiagnosisView(const Program& program, QObject* parent)
     : View(parent),
       m_program(program),
-      m_model(program.monitor, program.actions, [&program] { program.nav.go(Destination::disk); }),
+      m_model(program.monitor, program.actions, toDisk(program)),
       m_resolved(this),
       m_map(this),
       m_evidence(this) {
@@ -41,8 +53,11 @@ void DiagnosisView::show() {
     m_calmPicture.show(screen.calm.bar, screen.calm.legend);
     m_hero.show(screen.hero, screen.free);
     m_beforeAfter.show(screen.beforeAfter);
-    for (SectionView* section : m_sections) section->show(screen.sections);
-    m_resolved.set(screen.resolved);
+    // Behind the map the cards stay as they were; nobody would see them leave.
+    if (screen.picker.selected == DiagnosisState::Mode::cards || screen.state != DiagnosisScreen::State::findings) {
+        for (SectionView* section : m_sections) section->show(screen.sections);
+        m_resolved.set(screen.resolved);
+    }
     m_map.show(m_model.map());
     m_evidence.show(m_model.evidence());
     publish(m_face, {screen.state, screen.waiting, screen.calm, screen.picker, m_model.state().selected.has_value()});

@@ -30,6 +30,7 @@ class EvidenceView : public View {
     Q_PROPERTY(bool canKeep READ canKeep NOTIFY changed FINAL)
     Q_PROPERTY(QString keepLabel READ keepLabel NOTIFY changed FINAL)
     Q_PROPERTY(QString keepLine READ keepLine NOTIFY changed FINAL)
+    Q_PROPERTY(bool hasKeepFailed READ hasKeepFailed NOTIFY changed FINAL)
     Q_PROPERTY(QString closeLabel READ closeLabel NOTIFY changed FINAL)
     Q_PROPERTY(QString spoken READ spoken NOTIFY changed FINAL)
 
@@ -55,6 +56,7 @@ public:
     bool canKeep() const { return hasKeep() && m_face.sheet.keep->isEnabled; }
     QString keepLabel() const { return hasKeep() ? text(m_face.sheet.keep->label) : QString(); }
     QString keepLine() const { return hasKeep() ? text(m_face.sheet.keep->line) : QString(); }
+    bool hasKeepFailed() const { return hasKeep() && m_face.sheet.keep->hasFailed; }
     QString closeLabel() const { return text(m_face.sheet.closeLabel); }
     QString spoken() const { return text(m_face.sheet.accessible); }
 

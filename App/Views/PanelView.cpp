@@ -12,7 +12,7 @@ using Row = PanelScreen::Row;
 using Suggestion = PanelScreen::Suggestion;
 using Live = PanelScreen::Live;
 
-const std::array<RecordListModel<Row>::Role, 16> rowRoles{{
+const std::array<RecordListModel<Row>::Role, 17> rowRoles{{
     {"id", &Row::id},
     {"iconApp", [](const Row& row) { return row.icon.app; }},
     {"iconSymbol", [](const Row& row) { return row.icon.symbol; }},
@@ -26,6 +26,7 @@ const std::array<RecordListModel<Row>::Role, 16> rowRoles{{
     {"help", &Row::help},
     {"isEnabled", &Row::isEnabled},
     {"hasKeep", &Row::hasKeep},
+    {"keepNote", &Row::keepNote},
     {"isResolved", [](const Row& row) { return row.resolved.has_value(); }},
     {"resolvedSymbol", [](const Row& row) { return row.resolved ? std::string(row.resolved->symbol) : std::string(); }},
     {"isWell", [](const Row& row) { return row.resolved && row.resolved->colour == Colour::safe; }},

@@ -125,6 +125,7 @@ public:
     Q_INVOKABLE void sendFeedback() { m_model.sendFeedback(); }
     Q_INVOKABLE void holdRows(bool hold) { m_model.holdRows(hold); }
     Q_INVOKABLE void readNow() { m_program.monitor.refresh(); }
+    Q_INVOKABLE void pointAt(const QString& finding, bool isOver) { m_model.pointAt(finding.toStdString(), isOver); }
     Q_INVOKABLE void openMain() { m_program.openMain(); }
     /// The main window on the screen of a key.
     Q_INVOKABLE void openScreen(int key);

@@ -109,6 +109,9 @@ inline constexpr std::string_view help = "More about this";
 inline constexpr std::string_view spoken = "More information";
 }  // namespace InfoButton
 
+/// What is said where a program was to be left running and that could not be stored.
+inline constexpr std::string_view keepFailure = "Ravik could not store that, so it is not on your Keep list.";
+
 /// While the first reading is not there yet.
 namespace Pending {
 /// "Reading your Mac…"

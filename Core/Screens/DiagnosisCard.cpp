@@ -19,8 +19,8 @@ std::string withoutButton(const Finding& finding) {
 
 std::string spoken(const DiagnosisCard& card) {
     std::string text = card.name;
-    for (const std::string& part :
-         {card.verdict ? card.verdict->spoken() : std::string(), card.sentence, card.amount, card.instead}) {
+    for (const std::string& part : {card.verdict ? card.verdict->spoken() : std::string(), card.sentence,
+                                    card.heldApart(), card.amount, card.instead}) {
         if (part.empty()) continue;
         const bool closed = text.ends_with('.') || text.ends_with('!') || text.ends_with('?');
         text += (closed ? " " : ". ") + part;
@@ -39,7 +39,13 @@ DiagnosisCard card(const Finding& finding, const ScreenInput& input, bool isSele
     if (!finding.quits()) card.verdict = VerdictFace(finding.tone());
     card.sentence = Plain::sentence(finding, face, input.snapshot, input.host);
     card.isMemory = finding.gainBytes > 0;
-    card.amount = card.isMemory ? Fmt::mb(finding.gainBytes) + " back" : face.does;
+    const bool scansDisk = std::holds_alternative<ScanDisk>(finding.remedy);
+    card.opensDisk = scansDisk && input.hasDisk;
+    if (card.isMemory) {
+        card.amount = Fmt::mb(finding.gainBytes) + " back";
+    } else if (card.opensDisk || !scansDisk) {
+        card.amount = face.does;
+    }
     if (const auto held = card.isMemory ? finding.gainBytes : face.heldBytes) card.held = Fmt::mb(held);
     if (auto label = Words::remedyLabel(finding, input.index)) {
         card.button = {.label = std::move(*label), .help = face.does, .isEnabled = !isEnding};
@@ -47,7 +53,6 @@ DiagnosisCard card(const Finding& finding, const ScreenInput& input, bool isSele
     } else {
         card.instead = withoutButton(finding);
     }
-    card.opensDisk = std::holds_alternative<ScanDisk>(finding.remedy);
     card.isSelected = isSelected;
     card.isEnding = isEnding;
     card.accessible = spoken(card);

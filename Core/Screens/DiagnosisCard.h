@@ -33,13 +33,17 @@ struct DiagnosisCard {
     bool isMemory = false;
     /// Memory that comes back, else that the subject holds; empty where there is neither.
     std::string held;
+    /// The same beside an `amount` that is words; empty where that tells it.
+    std::string heldApart() const { return isMemory ? std::string() : held; }
     /// Absent: `instead` stands in its place.
     std::optional<Button> button;
     /// Why there is no button, or what to do; empty beside a button.
     std::string instead;
-    /// Running the card opens the disk scan; `amount` says so and may be pressed.
+    /// Running the card opens the disk scan; `amount` says so and may be pressed. Not where there is no such screen.
     bool opensDisk = false;
     bool isSelected = false;
+    /// The one card of a list that Tab comes to.
+    bool isStop = false;
     /// Its action is under way.
     bool isEnding = false;
     /// The whole row, for those who hear the screen.

@@ -34,11 +34,11 @@ bool isCovered(const Finding& now, const Finding& then) {
                                [&](Pid pid) { return std::ranges::find(acted->pids, pid) != acted->pids.end(); });
 }
 
-/// Something that was acted on is still in it.
+/// Something that was acted on is still in it. One that has come to be left alone names no process: it is there.
 bool shares(const Finding& now, const Finding& then) {
     const KillTrees* left = now.kills();
     const KillTrees* acted = then.kills();
-    if (!left || !acted) return false;
+    if (!left || !acted) return acted != nullptr;
     return std::ranges::any_of(left->pids,
                                [&](Pid pid) { return std::ranges::find(acted->pids, pid) != acted->pids.end(); });
 }
@@ -64,7 +64,12 @@ DiagnosisModel::DiagnosisModel(Monitor& monitor, Actions& actions, std::function
 DiagnosisModel::~DiagnosisModel() = default;
 
 ScreenInput DiagnosisModel::input() const {
-    return {*m_snapshot, *m_index, m_monitor.host(), m_monitor.ramBytes(), m_monitor.platform().clock.now()};
+    return {.snapshot = *m_snapshot,
+            .index = *m_index,
+            .host = m_monitor.host(),
+            .ram = m_monitor.ramBytes(),
+            .now = m_monitor.platform().clock.now(),
+            .hasDisk = static_cast<bool>(m_openDisk)};
 }
 
 const Finding* DiagnosisModel::find(const std::string& id) const {
@@ -202,6 +207,7 @@ void DiagnosisModel::selectPreviousArc() { moveArc(-1); }
 void DiagnosisModel::openEvidence(const std::string& id) {
     if (m_evidenceId == id) return;
     m_evidenceId = id;
+    m_hasKeepFailed = false;
     refresh();
 }
 
@@ -211,13 +217,21 @@ void DiagnosisModel::openSelectedEvidence() {
 
 void DiagnosisModel::closeEvidence() {
     m_evidenceId.reset();
+    m_hasKeepFailed = false;
     refresh();
 }
 
 bool DiagnosisModel::keep() {
     if (!m_evidence || !m_evidence->keep || !m_evidence->keep->isEnabled) return false;
     const std::string command = m_evidence->keep->command;
-    if (!KeepList(m_monitor.platform().defaults).add(command)) return false;
+    KeepList list(m_monitor.platform().defaults);
+    // Pressed again before the reading that shows it.
+    if (list.commands().contains(command)) return true;
+    m_hasKeepFailed = !list.add(command);
+    if (m_hasKeepFailed) {
+        refresh();
+        return false;
+    }
     m_monitor.log().event("keep", {{"cmd", std::string(Fmt::firstScalars(command, 160))}});
     m_monitor.refresh();
     return true;
@@ -264,7 +278,7 @@ void DiagnosisModel::refresh() {
         m_arcs = map.arcIds();
     }
     std::optional<EvidenceScreen> evidence;
-    if (m_evidenceId) evidence = EvidenceScreen(*m_evidenceId, input());
+    if (m_evidenceId) evidence = EvidenceScreen(*m_evidenceId, input(), m_hasKeepFailed);
 
     if (screen == m_screen && map == m_map && evidence == m_evidence) return;
     m_screen = std::move(screen);

@@ -23,7 +23,8 @@ class DiagnosisModel {
 public:
     static constexpr const char* modeKey = "diagnosisMode";
 
-    /// Both must outlive the actions that are started here. `openDisk` brings the Disk screen to the front.
+    /// Both must outlive the actions that are started here. `openDisk` brings the Disk screen to the front; empty where
+    /// there is none.
     DiagnosisModel(Monitor& monitor, Actions& actions, std::function<void()> openDisk);
     ~DiagnosisModel();
     DiagnosisModel(const DiagnosisModel&) = delete;
@@ -63,7 +64,7 @@ public:
     void openSelectedEvidence();
     void closeEvidence();
     /// The keep button of the open sheet: leaves its program running from now on. False if that could not be stored,
-    /// or there is nothing to keep.
+    /// which the sheet then says, or there is nothing to keep.
     bool keep();
 
     /// Called after each change of what the functions above answer; not where a reading looks like the one before.
@@ -111,6 +112,7 @@ private:
     MemoryPicture m_picture;
     DiagnosisState m_state;
     std::optional<std::string> m_evidenceId;
+    bool m_hasKeepFailed = false;
     bool m_isPointerOver = false;
     std::vector<Running> m_running;
     int m_lastNumber = 0;

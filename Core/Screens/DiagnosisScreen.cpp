@@ -91,6 +91,14 @@ std::vector<Screen::Section> sections(const ScreenInput& input, const DiagnosisS
         }
         sections.push_back(std::move(made));
     }
+    if (sections.empty()) return sections;
+    DiagnosisCard* stop = &sections.front().cards.front();
+    for (Screen::Section& section : sections) {
+        for (DiagnosisCard& card : section.cards) {
+            if (card.isSelected) stop = &card;
+        }
+    }
+    stop->isStop = true;
     return sections;
 }
 

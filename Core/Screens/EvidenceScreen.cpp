@@ -38,7 +38,8 @@ std::string spoken(const Row& row) {
 
 }  // namespace
 
-EvidenceScreen::EvidenceScreen(const std::string& of, const ScreenInput& input) : id(of), closeLabel("Close") {
+EvidenceScreen::EvidenceScreen(const std::string& of, const ScreenInput& input, bool keepFailed)
+    : id(of), closeLabel("Close") {
     const auto finding = std::ranges::find(input.snapshot.findings, id, &Finding::id);
     if (finding == input.snapshot.findings.end()) {
         isGone = true;
@@ -64,6 +65,10 @@ EvidenceScreen::EvidenceScreen(const std::string& of, const ScreenInput& input) 
                 .line = "Never in Free or Autopilot. Undo in Settings › Kept running.",
                 .command = std::move(*command),
                 .isEnabled = finding->neverReason != Plain::keptReason};
+        if (keepFailed && keep->isEnabled) {
+            keep->line = keepFailure;
+            keep->hasFailed = true;
+        }
     }
 }
 

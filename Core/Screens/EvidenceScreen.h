@@ -29,11 +29,13 @@ struct EvidenceScreen {
 
     struct Keep {
         std::string label;
+        /// What it means, or that it failed.
         std::string line;
         /// The full command line that is to be left running.
         std::string command;
         /// False: it is kept already.
         bool isEnabled = true;
+        bool hasFailed = false;
         friend bool operator==(const Keep&, const Keep&) = default;
     };
 
@@ -52,8 +54,8 @@ struct EvidenceScreen {
     std::string accessible;
 
     EvidenceScreen() = default;
-    /// Of the finding with this id in the reading.
-    EvidenceScreen(const std::string& id, const ScreenInput& input);
+    /// Of the finding with this id in the reading. `keepFailed`: the last attempt to keep it could not be stored.
+    EvidenceScreen(const std::string& id, const ScreenInput& input, bool keepFailed = false);
 
     /// The full command line that keeping this finding's subject stores; absent where it cannot be kept.
     static std::optional<std::string> keepCommand(const Finding& finding, const ProcessIndex& index);

@@ -76,6 +76,7 @@ struct PanelModel::State : std::enable_shared_from_this<PanelModel::State> {
     const Finding* finding(const std::string& id) const;
     bool isUnderWay(const std::string& id) const;
     bool isDone(const std::string& id) const;
+    void hold(const PanelScreen& shown);
     static Task<> run(std::shared_ptr<State> self, Finding finding, IconRef icon);
     static Task<> free(std::shared_ptr<State> self);
     static Task<> sendFeedback(std::shared_ptr<State> self);
@@ -89,6 +90,7 @@ struct PanelModel::State : std::enable_shared_from_this<PanelModel::State> {
     Subscription subscription;
     MainLoop::Timer timer = 0;
     bool isOpen = true;
+    bool isHeld = false;
     bool isDirty = false;
     bool isFreeing = false;
 };
@@ -136,7 +138,15 @@ void PanelModel::State::rebuild() {
     const PanelSource seen = source();
     PanelScreen fresh(seen, memory);
     wait(fresh.tellTime(seen));
+    if (isHeld) hold(fresh);
     show(std::move(fresh));
+}
+
+void PanelModel::State::hold(const PanelScreen& shown) {
+    memory.held.clear();
+    for (const PanelScreen::Row& row : shown.rows) {
+        if (!row.resolved) memory.held.push_back(row.id);
+    }
 }
 
 void PanelModel::State::tellTime() {
@@ -244,13 +254,22 @@ void PanelModel::free() {
 }
 
 void PanelModel::keep(const std::string& id) {
-    Monitor& monitor = m_state->monitor;
-    const Finding* finding = m_state->finding(id);
+    State& state = *m_state;
+    Monitor& monitor = state.monitor;
+    const Finding* finding = state.finding(id);
     if (!finding) return;
     const auto command = keepable(*finding, ProcessIndex(monitor.snapshot().processes));
-    if (!command || !KeepList(monitor.platform().defaults).add(*command)) return;
-    monitor.log().event("keep", {{"cmd", std::string(Fmt::firstScalars(*command, keptCommandScalars))}});
-    monitor.refresh();
+    KeepList list(monitor.platform().defaults);
+    // Pressed again before the reading that shows it.
+    if (!command || list.commands().contains(*command)) return;
+    std::erase(state.memory.unkept, id);
+    if (list.add(*command)) {
+        monitor.log().event("keep", {{"cmd", std::string(Fmt::firstScalars(*command, keptCommandScalars))}});
+        monitor.refresh();
+    } else {
+        state.memory.unkept.push_back(id);
+        state.changed();
+    }
 }
 
 void PanelModel::undo(std::uint64_t live) { m_state->monitor.undoLive(live); }
@@ -280,14 +299,24 @@ void PanelModel::sendFeedback() {
 }
 
 void PanelModel::holdRows(bool hold) {
-    auto& held = m_state->memory.held;
-    held.clear();
+    State& state = *m_state;
+    state.isHeld = hold;
+    state.memory.held.clear();
     if (hold) {
-        for (const PanelScreen::Row& row : m_state->screen.rows) {
-            if (!row.resolved) held.push_back(row.id);
-        }
+        state.hold(state.screen);
+    } else {
+        state.memory.pointed.clear();
     }
-    m_state->changed();
+    state.changed();
+}
+
+void PanelModel::pointAt(const std::string& id, bool isOver) {
+    std::string& pointed = m_state->memory.pointed;
+    if (isOver) {
+        pointed = id;
+    } else if (pointed == id) {
+        pointed.clear();
+    }
 }
 
 }  // namespace ravik

@@ -44,8 +44,10 @@ public:
     void dismiss(const std::string& suggestion);
     void sendFeedback();
 
-    /// While the user points at the rows or has one selected, those there keep their order.
+    /// While the user points at the rows, those there keep their places.
     void holdRows(bool hold);
+    /// The pointer comes on the row of this finding, or leaves it. Holds from the next reading on.
+    void pointAt(const std::string& finding, bool isOver);
 
 private:
     struct State;

@@ -1,6 +1,7 @@
 #include "Core/Screens/PanelScreen.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include <fmt/format.h>
 
@@ -24,7 +25,26 @@ bool contains(const std::vector<std::string>& ids, const std::string& id) {
     return std::ranges::find(ids, id) != ids.end();
 }
 
-/// The findings that are not done, in the order of the rows.
+/// The findings in the places that they hold; those that held none where one has become free, else at the end.
+std::vector<const Finding*> placed(const std::vector<const Finding*>& findings, const std::vector<std::string>& held) {
+    std::vector<const Finding*> fresh;
+    for (const Finding* finding : findings) {
+        if (!contains(held, finding->id)) fresh.push_back(finding);
+    }
+    auto next = fresh.begin();
+    std::vector<const Finding*> rows;
+    for (const std::string& id : held) {
+        if (const auto stays = std::ranges::find(findings, id, &Finding::id); stays != findings.end()) {
+            rows.push_back(*stays);
+        } else if (next != fresh.end()) {
+            rows.push_back(*next++);
+        }
+    }
+    rows.insert(rows.end(), next, fresh.end());
+    return rows;
+}
+
+/// The findings that are not done, as many as there is room for, in the order of the rows.
 std::vector<const Finding*> pending(const Snapshot& snapshot, const PanelMemory& memory) {
     std::vector<const Finding*> findings;
     for (const Finding& finding : snapshot.findings) {
@@ -32,14 +52,15 @@ std::vector<const Finding*> pending(const Snapshot& snapshot, const PanelMemory&
             std::ranges::any_of(memory.done, [&](const auto& done) { return done.finding.id == finding.id; });
         if (!isDone) findings.push_back(&finding);
     }
-    if (!memory.held.empty()) {
-        std::ranges::stable_sort(findings, {}, [&](const Finding* finding) {
-            return std::ranges::find(memory.held, finding->id) - memory.held.begin();
-        });
-    }
     const std::size_t left = rowsShown - std::min(rowsShown - 1, memory.done.size());
-    if (findings.size() > left) findings.resize(left);
-    return findings;
+    if (findings.size() > left) {
+        const auto pointed = std::ranges::find(findings, memory.pointed, &Finding::id);
+        if (pointed != findings.end() && contains(memory.held, memory.pointed)) {
+            std::iter_swap(std::min(pointed, findings.begin() + static_cast<std::ptrdiff_t>(left) - 1), pointed);
+        }
+        findings.resize(left);
+    }
+    return memory.held.empty() ? findings : placed(findings, memory.held);
 }
 
 PanelScreen::Row resolvedRow(const PanelMemory::Done& done) {
@@ -65,6 +86,7 @@ PanelScreen::Row row(const Finding& finding, const PanelSource& source, const Pa
     if (row.button) row.help = face.does;
     row.isEnabled = row.button && !memory.running && !contains(memory.underWay, finding.id);
     row.hasKeep = keepable(finding, index).has_value();
+    if (row.hasKeep && contains(memory.unkept, finding.id)) row.keepNote = keepFailure;
     return row;
 }
 
@@ -125,7 +147,7 @@ PanelScreen::PanelScreen(const PanelSource& source, const PanelMemory& memory) {
         title = Pending::title(source.host);
     } else {
         header.tooltip = fmt::format("Read at {}; Ravik reads {} every {:.0f} s", AppInfo::clock(snapshot.takenAt),
-                                     nouns.yourMachine, source.interval);
+                                     nouns.yourMachine, std::trunc(source.interval));
         const ProcessIndex index(snapshot.processes);
         showMemory(source, index);
         if (snapshot.findings.empty() && !memory.result && memory.done.empty()) {

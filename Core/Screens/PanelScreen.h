@@ -36,8 +36,13 @@ struct PanelMemory {
     std::optional<std::string> week;
     /// Ids of findings whose own fix is under way.
     std::vector<std::string> underWay;
-    /// Ids of findings whose rows keep this order while the user points at them; others come behind.
+    /// Ids of findings whose rows keep these places while the user points at the list; who comes takes the place of who
+    /// goes.
     std::vector<std::string> held;
+    /// The finding of these whose row the pointer is on: it does not go while there is something to show of it.
+    std::string pointed;
+    /// Ids of findings that were to be kept running, which could not be stored.
+    std::vector<std::string> unkept;
 };
 
 /// What the panel shows of the machine. The references must outlive it.
@@ -103,6 +108,8 @@ struct PanelScreen {
         bool isEnabled = false;
         /// The second button, keepLabel.
         bool hasKeep = false;
+        /// What came of pressing it, where it has failed; else empty.
+        std::string keepNote;
 
         /// The whole row, for those who hear the screen.
         std::string spoken() const;

@@ -18,6 +18,8 @@ struct ScreenInput {
     /// Installed memory, bytes.
     std::uint64_t ram = 0;
     Time now = 0;
+    /// There is a Disk screen to go to.
+    bool hasDisk = true;
 };
 
 }  // namespace ravik

@@ -1,3 +1,5 @@
+#include <QStyleHints>
+
 #include "Tests/App/WindowDesk.h"
 
 namespace ravik::app {
@@ -248,6 +250,114 @@ TEST_F(DiagnosisWindow, ASheetSaysThatItsSubjectIsGone) {
     ASSERT_TRUE(the("EvidenceSheet"));
     EXPECT_TRUE(screen().evidence()->isGone());
     EXPECT_FALSE(screen().evidence()->hasKeep());
+}
+
+TEST_F(DiagnosisWindow, WithoutAGainACardSaysWhatItHolds) {
+    orphan(800, "postgres", 200);
+    monitor.readNow();
+    open();
+    EXPECT_TRUE(says("no button — left running"));
+    EXPECT_TRUE(says("200\u00a0MB"));
+}
+
+TEST_F(DiagnosisWindow, TabComesToACardAlsoWhereNothingIsSafeToEnd) {
+    orphan(800, "postgres", 200);
+    monitor.readNow();
+    open();
+    ASSERT_TRUE(the("FindingCard"));
+    bool came = false;
+    for (int step = 0; step < 8 && !came; ++step) {
+        press(Qt::Key_Tab);
+        came = holdsFocus(the("FindingCard"));
+    }
+    EXPECT_TRUE(came);
+}
+
+TEST_F(DiagnosisWindow, BehindTheMapTheCardsStayAsTheyWere) {
+    openWithThree();
+    auto list = screen().sections();
+    const auto leaving = [&] {
+        const RecordModel* cards = list.at(&list, 0)->cards();
+        const int role = cards->roleNames().key("isLeaving");
+        int count = 0;
+        for (int row = 0; row < cards->count(); ++row) count += cards->data(cards->index(row), role).toBool();
+        return count;
+    };
+    screen().setMode(1);
+    settle();
+    machine.processes.end(801);
+    tick();
+    EXPECT_EQ(leaving(), 0);
+    screen().setMode(0);
+    settle();
+    ASSERT_EQ(all("FindingCard").size(), 2);
+    EXPECT_EQ(all("FindingCard")[1]->property("name").toString(), QStringLiteral("small"));
+}
+
+TEST_F(DiagnosisWindow, AFullDiskLeadsToItsScreenOnceThereIsOne) {
+    machine.readings.diskFree = 1ull << 30;
+    monitor.readNow();
+    open();
+    ASSERT_TRUE(the("FindingCard"));
+    EXPECT_TRUE(all("TextLink").isEmpty());
+    EXPECT_FALSE(says("opens Disk"));
+    close();
+
+    Nav both{folder.log, {Destination::diagnosis, Destination::disk}};
+    const Program later{monitor, both, actions, disk, history, asker, {}, [] {}, [] {}, [] {}};
+    auto view = std::make_unique<MainView>(later);
+    window = frame.open("MainWindow", std::move(view));
+    window->show();
+    settle();
+    ASSERT_TRUE(the("TextLink"));
+    EXPECT_TRUE(says("opens Disk"));
+    click(the("TextLink"));
+    EXPECT_EQ(both.destination(), Destination::disk);
+    close();
+}
+
+TEST_F(DiagnosisWindow, ThePickerExplainsItself) {
+    openWithThree();
+    ASSERT_TRUE(the("ModePicker"));
+    const char* help = "Cards: every cause with its button. Map: where the memory is.";
+    EXPECT_FALSE(says(help));
+    QTest::mouseMove(window, middle(the("ModePicker")));
+    QTest::qWait(900);
+    EXPECT_TRUE(says(help));
+    QTest::mouseMove(window, QPoint(5, 5));
+    settle();
+    EXPECT_FALSE(says(help));
+}
+
+TEST_F(DiagnosisWindow, AKeepThatCannotBeStoredIsSaidInTheSheet) {
+    openWithThree();
+    screen().open(QStringLiteral("orphan:800"));
+    settle();
+    machine.defaults.isReadOnly = true;
+    screen().keep();
+    settle();
+    EXPECT_TRUE(says("Ravik could not store that, so it is not on your Keep list."));
+}
+
+/// Whoever presses twice is still pressing the first one.
+TEST_F(DiagnosisWindow, ADoubleClickOnACardLeavesItsEvidenceOpen) {
+    QGuiApplication::styleHints()->setMouseDoubleClickInterval(300);
+    openWithThree();
+    window->resize(960, 900);
+    settle();
+    // Beside where the sheet comes.
+    const QQuickItem* card = all("FindingCard")[0];
+    const QPoint edge = card->mapToScene(QPointF(card->width() - 4, 4)).toPoint();
+    QTest::mouseClick(window, Qt::LeftButton, {}, edge);
+    settle();
+    QTest::mouseClick(window, Qt::LeftButton, {}, edge);
+    settle();
+    EXPECT_TRUE(the("EvidenceSheet"));
+    QTest::qWait(300);
+    QTest::mouseClick(window, Qt::LeftButton, {}, edge);
+    settle();
+    EXPECT_FALSE(the("EvidenceSheet"));
+    QGuiApplication::styleHints()->setMouseDoubleClickInterval(0);
 }
 
 }  // namespace

@@ -41,6 +41,7 @@ std::optional<nlohmann::json> FakeDefaults::get(std::string_view key) {
 }
 
 bool FakeDefaults::set(std::string_view key, const nlohmann::json& value) {
+    if (isReadOnly) return false;
     values.insert_or_assign(std::string(key), value);
     ++writes;
     return true;

@@ -137,6 +137,8 @@ public:
     std::map<std::string, nlohmann::json, std::less<>> values;
     int writes = 0;
     bool changedBehind = false;
+    /// Nothing can be stored.
+    bool isReadOnly = false;
 };
 
 class FakeTrash : public Trash {

@@ -199,4 +199,35 @@ TEST_F(DiagnosisChoicesTest, KeepingLeavesTheProgramRunningFromTheNextTickOn) {
     EXPECT_EQ(lines[0]["cmd"].get<std::string>().size(), 160u);
 }
 
+TEST_F(DiagnosisChoicesTest, KeepingIsLoggedOnceHoweverOftenItIsPressed) {
+    orphan(800, "big");
+    made().openEvidence("orphan:800");
+    EXPECT_TRUE(model->keep());
+    EXPECT_TRUE(model->keep()) << "before the reading that shows it";
+    EXPECT_THAT(logFolder.lines("keep"), SizeIs(1));
+}
+
+TEST_F(DiagnosisChoicesTest, AKeepThatCannotBeStoredIsSaid) {
+    orphan(800, "big");
+    orphan(801, "small");
+    made().openEvidence("orphan:800");
+    machine.defaults.isReadOnly = true;
+    EXPECT_FALSE(model->keep());
+    EXPECT_EQ(model->evidence()->keep->line, "Ravik could not store that, so it is not on your Keep list.");
+    EXPECT_TRUE(model->evidence()->keep->hasFailed);
+    EXPECT_TRUE(model->evidence()->keep->isEnabled);
+    EXPECT_THAT(logFolder.lines("keep"), IsEmpty());
+    tick();
+    EXPECT_TRUE(model->evidence()->keep->hasFailed) << "until it is tried again";
+    model->openEvidence("orphan:801");
+    EXPECT_FALSE(model->evidence()->keep->hasFailed);
+    model->openEvidence("orphan:800");
+    EXPECT_FALSE(model->keep());
+    machine.defaults.isReadOnly = false;
+    EXPECT_TRUE(model->keep());
+    machine.loop.settle();
+    EXPECT_FALSE(model->evidence()->keep->hasFailed);
+    EXPECT_FALSE(model->evidence()->keep->isEnabled);
+}
+
 }  // namespace ravik

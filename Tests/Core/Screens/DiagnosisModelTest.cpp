@@ -214,6 +214,37 @@ TEST_F(DiagnosisModelTest, WhatSurvivesFreeKeepsItsLineUntilTheNextActionAndGets
     EXPECT_THAT(cards(), IsEmpty());
 }
 
+TEST_F(DiagnosisModelTest, WhatFreeWasRefusedIsNotSaidToHaveEnded) {
+    threeOrphans();
+    made();
+    asker.whileAsked = [&] {
+        FakeProcess child;
+        child.pid = 803;
+        child.ppid = 801;
+        child.name = "postgres";
+        child.command = "/tmp/postgres";
+        machine.processes.add(child);
+    };
+    model->free();
+    letRun();
+    EXPECT_TRUE(machine.processes.find(801));
+    tick();
+    EXPECT_THAT(cards(), ElementsAre("orphan:801"));
+    EXPECT_EQ(screen().sections.at(0).heading, "Left alone");
+    ASSERT_THAT(screen().resolved, SizeIs(2));
+    EXPECT_EQ(screen().resolved[0].name, "big");
+    EXPECT_EQ(screen().resolved[1].name, "small");
+}
+
+TEST_F(DiagnosisModelTest, WithoutADiskScreenAFullDiskLeadsNowhere) {
+    machine.readings.diskFree = 1ull << 30;
+    Actions of(monitor(), asker);
+    DiagnosisModel here(monitor(), of, {});
+    ASSERT_THAT(here.screen().cardIds(), ElementsAre("disk"));
+    EXPECT_FALSE(here.screen().sections[0].cards[0].opensDisk);
+    EXPECT_TRUE(made().screen().sections.at(0).cards.at(0).opensDisk);
+}
+
 TEST_F(DiagnosisModelTest, ACauseThatComesBackHasACardAgain) {
     leftover(800);
     made().run("leftovers");

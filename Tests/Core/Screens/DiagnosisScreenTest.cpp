@@ -1,5 +1,6 @@
 #include "Core/Screens/DiagnosisScreen.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "Tests/Core/Wording/Cards.h"
@@ -21,13 +22,14 @@ struct Scene : Machine {
     std::vector<Finding> findings;
     DiagnosisState state;
     bool isSampled = true;
+    bool hasDisk = true;
     bool alertsOff = false;
     std::optional<std::string> lastFix;
 
     DiagnosisScreen screen() const {
         Cards cards(*this, findings);
         cards.snapshot.sampled = isSampled;
-        const ScreenInput input{cards.snapshot, cards.index, host, ram, now};
+        const ScreenInput input{cards.snapshot, cards.index, host, ram, now, hasDisk};
         return {input, DiagnosisScreen::picture(input), state, alertsOff, lastFix};
     }
     DiagnosisCard card(const std::string& id) const {
@@ -196,6 +198,7 @@ TEST(DiagnosisScreen, ACardSaysWhomItIsAboutAndWhatItGivesBack) {
     EXPECT_EQ(card.amount, "600\u00a0MB back");
     EXPECT_TRUE(card.isMemory);
     EXPECT_EQ(card.held, "600\u00a0MB");
+    EXPECT_EQ(card.heldApart(), "") << "the amount tells it";
     ASSERT_TRUE(card.button);
     EXPECT_EQ(card.button->label, "End 2…");
     EXPECT_EQ(card.button->help, "ends 2 processes");
@@ -219,10 +222,39 @@ TEST(DiagnosisScreen, WithoutAGainTheCardSaysWhatWillBeDone) {
     EXPECT_EQ(scene.card("hog:9").amount, "ends 1 process");
     EXPECT_FALSE(scene.card("hog:9").isMemory);
     EXPECT_EQ(scene.card("hog:9").held, "300\u00a0MB");
+    EXPECT_EQ(scene.card("hog:9").heldApart(), "300\u00a0MB");
+    EXPECT_THAT(scene.card("hog:9").accessible, testing::EndsWith(" 300\u00a0MB. ends 1 process"));
     EXPECT_EQ(scene.card("disk").amount, "opens Disk");
     EXPECT_TRUE(scene.card("disk").opensDisk);
     EXPECT_FALSE(scene.card("disk").button.has_value());
     EXPECT_EQ(scene.card("disk").held, "");
+}
+
+TEST(DiagnosisScreen, WithoutADiskScreenNoCardLeadsThere) {
+    Scene scene = full();
+    scene.findings = {finding("disk", ScanDisk{})};
+    scene.hasDisk = false;
+    EXPECT_FALSE(scene.card("disk").opensDisk);
+    EXPECT_EQ(scene.card("disk").amount, "");
+}
+
+TEST(DiagnosisScreen, TabComesToTheFirstCardOrTheSelectedOne) {
+    const auto stops = [](const Scene& scene) {
+        Names found;
+        for (const Section& section : scene.screen().sections) {
+            for (const DiagnosisCard& card : section.cards) {
+                if (card.isStop) found.push_back(card.id);
+            }
+        }
+        return found;
+    };
+    Scene scene = full();
+    EXPECT_EQ(stops(scene), Names{"orphan:7"});
+    scene.state.selected = "browser:Arc";
+    EXPECT_EQ(stops(scene), Names{"browser:Arc"});
+    scene.state.selected.reset();
+    scene.findings.erase(scene.findings.begin(), scene.findings.begin() + 2);
+    EXPECT_EQ(stops(scene), Names{"orphan:9"}) << "nothing is safe to end";
 }
 
 TEST(DiagnosisScreen, WithoutAButtonTheCardSaysWhyOrWhatToDo) {

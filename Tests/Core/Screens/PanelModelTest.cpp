@@ -265,6 +265,56 @@ TEST_F(PanelModelTest, KeepsAProgramByItsWholeCommandLine) {
     EXPECT_EQ(lines("keep").size(), 1u);
 }
 
+TEST_F(PanelModelTest, KeepingIsLoggedOnceHoweverOftenItIsPressed) {
+    orphan(200);
+    tick();
+    open();
+    model->keep("orphan:200");
+    model->keep("orphan:200");
+    EXPECT_EQ(lines("keep").size(), 1u);
+}
+
+TEST_F(PanelModelTest, AKeepThatCannotBeStoredIsSaidInItsRow) {
+    orphan(200);
+    orphan(201, "other");
+    tick();
+    open();
+    machine.defaults.isReadOnly = true;
+    model->keep("orphan:200");
+    settle();
+    EXPECT_EQ(row("orphan:200").keepNote, "Ravik could not store that, so it is not on your Keep list.");
+    EXPECT_EQ(row("orphan:201").keepNote, "");
+    EXPECT_TRUE(lines("keep").empty());
+    machine.defaults.isReadOnly = false;
+    model->keep("orphan:200");
+    settle();
+    EXPECT_EQ(row("orphan:200").keepNote, "");
+    EXPECT_EQ(lines("keep").size(), 1u);
+}
+
+TEST_F(PanelModelTest, ANewFirstFindingIsSeenWhileThePointerRestsOnTheRows) {
+    orphan(200, "a", 400);
+    orphan(201, "b", 300);
+    orphan(202, "c", 200);
+    tick();
+    open();
+    model->holdRows(true);
+    model->pointAt("orphan:202", true);
+    settle();
+    orphan(203, "d", 900);
+    tick();
+    EXPECT_EQ(rowIds(), (Ids{"orphan:200", "orphan:203", "orphan:202"})) << "the row under the pointer stays";
+    tick();
+    EXPECT_EQ(rowIds(), (Ids{"orphan:200", "orphan:203", "orphan:202"}));
+    model->pointAt("orphan:200", true);
+    model->pointAt("orphan:202", false);
+    tick();
+    EXPECT_EQ(rowIds(), (Ids{"orphan:200", "orphan:203", "orphan:201"}));
+    model->holdRows(false);
+    settle();
+    EXPECT_EQ(rowIds(), (Ids{"orphan:203", "orphan:200", "orphan:201"}));
+}
+
 TEST_F(PanelModelTest, AcceptsASuggestionAndUndoesIt) {
     suggestFoo();
     open();

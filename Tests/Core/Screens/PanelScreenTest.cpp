@@ -22,13 +22,14 @@ struct Scene : Machine {
     std::vector<Decision> suggestions;
     std::vector<LiveAction> live;
     std::size_t rulesOn = 0;
+    double interval = 5;
     Time at = now + 4;
 
     template <typename Use>
     auto with(Use use) const {
         const Cards cards(*this, findings);
         return use(PanelSource{.snapshot = cards.snapshot,
-                               .interval = 5,
+                               .interval = interval,
                                .ramBytes = ram,
                                .suggestions = suggestions,
                                .live = live,
@@ -95,6 +96,9 @@ TEST(PanelScreen, TheHeaderSaysWhenTheMachineWasRead) {
     EXPECT_EQ(PanelScreen::word, "Ravik");
     EXPECT_EQ(scene.panel().header.checked, "checked 4 s ago");
     EXPECT_EQ(scene.panel().header.tooltip, "Read at 22:13:20Z; Ravik reads your Mac every 5 s");
+    scene.interval = 7.9;
+    EXPECT_EQ(scene.panel().header.tooltip, "Read at 22:13:20Z; Ravik reads your Mac every 7 s");
+    scene.interval = 5;
     scene.host = linuxHost();
     EXPECT_EQ(scene.panel().header.tooltip, "Read at 22:13:20Z; Ravik reads your computer every 5 s");
 }
@@ -286,11 +290,22 @@ TEST(PanelScreen, RowsThatAreHeldKeepTheirOrder) {
     scene.memory.held = {"c", "a", "b"};
     EXPECT_EQ(ids(scene.panel()), (Ids{"c", "a", "b"}));
     scene.findings.erase(scene.findings.begin());
-    EXPECT_EQ(ids(scene.panel()), (Ids{"c", "b", "d"}));
+    EXPECT_EQ(ids(scene.panel()), (Ids{"c", "d", "b"})) << "who comes takes the place of who goes";
     scene.fixed("c");
-    EXPECT_EQ(ids(scene.panel()), (Ids{"done c", "b", "d"}));
+    EXPECT_EQ(ids(scene.panel()), (Ids{"done c", "d", "b"}));
     scene.memory.held.clear();
     EXPECT_EQ(ids(scene.panel()), (Ids{"done c", "b", "d"}));
+}
+
+TEST(PanelScreen, TheRowUnderThePointerDoesNotGo) {
+    Scene scene = sixFindings();
+    scene.memory.held = {"d", "e", "f"};
+    scene.memory.pointed = "e";
+    EXPECT_EQ(ids(scene.panel()), (Ids{"a", "e", "b"}));
+    scene.memory.pointed = "c";
+    EXPECT_EQ(ids(scene.panel()), (Ids{"a", "b", "c"}));
+    scene.memory.pointed = "gone";
+    EXPECT_EQ(ids(scene.panel()), (Ids{"a", "b", "c"}));
 }
 
 TEST(PanelScreen, OffersWhatTheAutopilotWouldDo) {
