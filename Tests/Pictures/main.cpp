@@ -9,6 +9,8 @@
 #include <fmt/format.h>
 #include <sys/wait.h>
 
+#include "App/Views/Tokens.h"
+#include "Platform/Compositor.h"
 #include "Tests/EndToEnd/Desktop/Hands.h"
 #include "Tests/Pictures/Palette.h"
 #include "Tests/Pictures/Scenes.h"
@@ -35,6 +37,7 @@ int takeOne(const std::string& file) {
 int show(int& count, char** words, const Scene& scene, const Look& look) {
     QApplication application(count, words);
     stage::prepareApplication();
+    app::Tokens::instance().setCompositor(isComposited);
     take(look);
     stage::Stage stage(scene.furnish);
     scene.play(stage);
