@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <QQmlComponent>
+#include <QScreen>
 #include <QtDebug>
 
 void qml_register_types_Ravik();
@@ -25,6 +26,12 @@ QQuickWindow* QmlFrame::open(const char* file, std::unique_ptr<QObject> model) {
     auto* window = qobject_cast<QQuickWindow*>(source.createWithInitialProperties(properties));
     if (!window) qFatal("%s", qPrintable(source.errorString()));
     m_windows.push_back({std::move(model), std::unique_ptr<QQuickWindow>(window)});
+    // Where the screen's resolution becomes another, Qt draws by it at once but lays the window out as before.
+    connect(window->screen(), &QScreen::logicalDotsPerInchChanged, window, [window] {
+        const QSize size = window->size();
+        window->resize(size + QSize(1, 1));
+        window->resize(size);
+    });
     return window;
 }
 
