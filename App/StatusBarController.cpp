@@ -22,6 +22,8 @@ constexpr double panelOpensAfter = 5;
 constexpr double panelClosesAfter = 10;
 /// A program that starts with the desktop may be there before its status area.
 constexpr double trayComesWithin = 2;
+/// Who closes a window and looks again soon finds everything as it was.
+constexpr double memoryKeptFor = 30;
 
 const std::vector<Destination> screens{Destination::diagnosis};
 
@@ -46,7 +48,7 @@ StatusBarController::StatusBarController(Computer& computer, Log& log, const Hos
                 [this] { return sendFeedback(); },
                 [this] { openMain(); },
                 [this] { quit(); },
-                [this] { m_computer.releaseMemory(); }},
+                [this] { releaseLater(); }},
       m_item(m_nav.screens(), host) {
     Workspace& workspace = computer.platform().workspace;
     IconStore::instance().setFinder([&workspace](const std::string& group) { return workspace.iconPath(group); });
@@ -135,7 +137,22 @@ void StatusBarController::readEnvironment() {
 void StatusBarController::settle() {
     if (m_hasSettled || !m_monitor.snapshot().sampled) return;
     m_hasSettled = true;
-    m_computer.releaseMemory();
+    release();
+}
+
+void StatusBarController::releaseLater() {
+    if (m_hasEnded) return;
+    MainLoop& loop = m_computer.platform().loop;
+    loop.cancel(m_releasing);
+    m_releasing = loop.after(memoryKeptFor, [this] {
+        m_releasing = 0;
+        release();
+    });
+}
+
+void StatusBarController::release() {
+    // One that is open needs it, and gives it back when it closes.
+    if (m_views.isEmpty()) m_computer.releaseMemory();
 }
 
 void StatusBarController::render() { m_item.render(Glyph(m_monitor.snapshot(), m_monitor.host())); }
@@ -226,6 +243,7 @@ void StatusBarController::terminate() {
     m_monitor.stop();
     m_monitor.releaseAllLive();
     Platform& platform = m_computer.platform();
+    platform.loop.cancel(m_releasing);
     platform.notifier.onAction({});
     platform.appearance.onChange({});
     platform.desktopApp.onActivation({});

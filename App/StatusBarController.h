@@ -50,6 +50,9 @@ private:
     void render();
     /// Once the first reading is there: what only the start needed is given back.
     void settle();
+    /// What closed windows have left is given back a while after the last has closed, unless one is open by then.
+    void releaseLater();
+    void release();
     void readEnvironment();
     void answer(const std::string& action);
     void go(Destination screen, const QByteArray& token = {});
@@ -76,6 +79,7 @@ private:
     Subscription m_observing;
     /// Of whoever started the program, for a window that opens because of that.
     QByteArray m_startToken;
+    MainLoop::Timer m_releasing = 0;
     bool m_hasSettled = false;
     bool m_hasEnded = false;
     bool m_hasToldUnseen = false;

@@ -58,9 +58,7 @@ void QmlFrame::sweep() {
         opened.window.reset();
         opened.model.reset();
     }
-    if (leaving.empty() || !m_windows.empty()) return;
-    m_engine.reset();
-    Q_EMIT emptied();
+    if (!leaving.empty() && m_windows.empty()) Q_EMIT emptied();
 }
 
 }  // namespace ravik::app

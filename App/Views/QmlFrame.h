@@ -10,8 +10,8 @@
 
 namespace ravik::app {
 
-/// The Qt Quick windows and the engine beneath them, which lives from the first window's opening to the last one's
-/// closing. Main thread.
+/// The Qt Quick windows and the engine beneath them, which is made with the first window and stays: it is half of what
+/// an opening costs, and small. Main thread.
 class QmlFrame : public QObject {
     Q_OBJECT
 
@@ -30,9 +30,10 @@ public:
     void clear();
 
     bool isEmpty() const { return m_windows.empty(); }
+    bool hasEngine() const { return m_engine != nullptr; }
 
 Q_SIGNALS:
-    /// The last window and the engine have been freed.
+    /// The last window has been freed.
     void emptied();
 
 private:

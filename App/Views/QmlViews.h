@@ -34,6 +34,8 @@ public:
     void tellUnseen() override;
     void onMainClosed(std::function<void()> observer) override { m_mainClosed = std::move(observer); }
     void end() override;
+    /// No window is open, nor closed and not freed yet.
+    bool isEmpty() const { return m_frame.isEmpty(); }
     /// Frees every window now.
     void clear();
 

@@ -34,6 +34,23 @@ protected:
         process.footprintBytes = 100 << 20;
         return computer.machine.processes.add(process);
     }
+    /// A while after the start; what it gave back is not counted.
+    void startWithoutWindows() {
+        start();
+        pass(6);
+        controller->views().closeMain();
+        QTest::qWait(0);
+        pass(60);
+        computer.releases = 0;
+    }
+    void openPanel() {
+        controller->toggle();
+        EXPECT_TRUE(controller->views().isPanelOpen());
+    }
+    void closePanel() {
+        controller->views().closePanel();
+        QTest::qWait(0);
+    }
 
     fakes::FakeComputer computer;
     fakes::LogFolder folder{computer.machine.clock};
@@ -234,6 +251,48 @@ TEST_F(StatusBarControllerTest, LetsGoOfWhatItHoldsWhereItMayTouchNoWindowAnyMor
     const auto lines = folder.lines("autopilotRelease");
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0]["why"], "quit");
+}
+
+TEST_F(StatusBarControllerTest, GivesMemoryBackOnceHalfAMinuteAfterItsWindowsHaveClosed) {
+    startWithoutWindows();
+    openPanel();
+    pass(60);
+    closePanel();
+    pass(29);
+    EXPECT_EQ(computer.releases, 0);
+    pass(2);
+    EXPECT_EQ(computer.releases, 1);
+    pass(120);
+    EXPECT_EQ(computer.releases, 1);
+}
+
+TEST_F(StatusBarControllerTest, KeepsMemoryForAWindowThatOpensSoonAgain) {
+    startWithoutWindows();
+    openPanel();
+    closePanel();
+    pass(20);
+    openPanel();
+    pass(60);
+    EXPECT_EQ(computer.releases, 0) << "a window is open";
+    closePanel();
+    pass(20);
+    openPanel();
+    closePanel();
+    pass(29);
+    EXPECT_EQ(computer.releases, 0) << "counted from the last closing";
+    pass(2);
+    EXPECT_EQ(computer.releases, 1);
+}
+
+TEST_F(StatusBarControllerTest, GivesNothingBackAfterItsEnd) {
+    startWithoutWindows();
+    openPanel();
+    closePanel();
+    openPanel();
+    controller->terminate();
+    QTest::qWait(0);
+    pass(60);
+    EXPECT_EQ(computer.releases, 0);
 }
 
 TEST_F(StatusBarControllerTest, ItsEndLeavesTheLockAndTheNameToOthers) {
