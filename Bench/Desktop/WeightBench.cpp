@@ -30,6 +30,8 @@ constexpr int processes = 300;
 constexpr double defaultInterval = 5;
 /// Until whatever a program does at its start, or after its windows have changed, is over.
 constexpr std::chrono::seconds settling{8};
+/// Longer than the app keeps what closed windows have left.
+constexpr std::chrono::seconds givingBack{32};
 
 void settle() { std::this_thread::sleep_for(settling); }
 
@@ -123,6 +125,8 @@ void weighApp(double seconds, double emptyWindow) {
     tell("the panel open: CPU", app.percent(seconds), "%");
     app.clickIcon();
     if (app.hasWindow()) fmt::print("The panel did not close.\n");
+    tell("just closed: memory", app.megabytes(), "MB");
+    std::this_thread::sleep_for(givingBack);
     tell("closed again: memory", app.megabytes(), "MB", emptyWindow * 1.15);
 }
 

@@ -43,7 +43,10 @@ public:
         return hit->second;
     }
     void onTermination(std::function<void()> handler) override { terminate = std::move(handler); }
-    void releaseMemory() override { ++releases; }
+    void releaseMemory() override {
+        ++releases;
+        if (onRelease) onRelease();
+    }
     std::string osRelease() const override { return "ID=debian\nVERSION_ID=\"12\"\n"; }
 
     FakeMachine machine;
@@ -51,6 +54,7 @@ public:
     std::map<std::string, std::string> variables;
     std::function<void()> terminate;
     int releases = 0;  // of memory
+    std::function<void()> onRelease;
 };
 
 }  // namespace ravik::fakes

@@ -4,6 +4,7 @@
 #include <QDeadlineTimer>
 #include <QKeyEvent>
 #include <QStyleHints>
+#include <QTimer>
 #include <QWheelEvent>
 
 namespace ravik::stage {
@@ -36,9 +37,12 @@ void Stage::pass(double seconds) {
 
 void Stage::draw(int milliseconds) {
     const QDeadlineTimer end(milliseconds);
+    // With a time given, processEvents() would not sleep between events.
+    QTimer waking;
+    waking.start(10);
     while (!end.hasExpired()) {
         machine().loop.settle();
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 }
 

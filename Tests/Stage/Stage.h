@@ -37,6 +37,7 @@ public:
     /// The window that was opened last and is to be seen; null if there is none.
     static QQuickWindow* window();
 
+    fakes::FakeComputer& computer() { return m_computer; }
     fakes::FakeMachine& machine() { return m_computer.machine; }
 
 private:
