@@ -14,32 +14,30 @@ bool find(void* library, const char* name, Function& function) {
     return function != nullptr;
 }
 
-std::optional<LibArchive> open() {
+std::optional<LibArchive> found() {
     void* library = dlopen("libarchive.so.13", RTLD_NOW | RTLD_LOCAL);
     if (!library) return {};
-    LibArchive found{};
+    LibArchive all{};
     const bool whole =
-        find(library, "archive_write_new", found.writeNew) &&
-        find(library, "archive_write_set_format_zip", found.setFormatZip) &&
-        find(library, "archive_write_set_options", found.setOptions) &&
-        find(library, "archive_write_set_bytes_in_last_block", found.setBytesInLastBlock) &&
-        find(library, "archive_write_open_fd", found.openDescriptor) &&
-        find(library, "archive_write_header", found.header) && find(library, "archive_write_data", found.data) &&
-        find(library, "archive_write_close", found.close) && find(library, "archive_write_fail", found.fail) &&
-        find(library, "archive_write_free", found.free) && find(library, "archive_error_string", found.errorString) &&
-        find(library, "archive_entry_new", found.entryNew) && find(library, "archive_entry_free", found.entryFree) &&
-        find(library, "archive_entry_copy_pathname", found.setPath) &&
-        find(library, "archive_entry_copy_symlink", found.setLink) &&
-        find(library, "archive_entry_copy_stat", found.setStat) &&
-        find(library, "archive_entry_set_size", found.setSize);
+        find(library, "archive_write_new", all.writeNew) &&
+        find(library, "archive_write_set_format_zip", all.setFormatZip) &&
+        find(library, "archive_write_set_options", all.setOptions) &&
+        find(library, "archive_write_set_bytes_in_last_block", all.setBytesInLastBlock) &&
+        find(library, "archive_write_open", all.open) && find(library, "archive_write_header", all.header) &&
+        find(library, "archive_write_data", all.data) && find(library, "archive_write_close", all.close) &&
+        find(library, "archive_write_free", all.free) && find(library, "archive_error_string", all.errorString) &&
+        find(library, "archive_entry_new", all.entryNew) && find(library, "archive_entry_free", all.entryFree) &&
+        find(library, "archive_entry_copy_pathname", all.setPath) &&
+        find(library, "archive_entry_copy_symlink", all.setLink) &&
+        find(library, "archive_entry_copy_stat", all.setStat) && find(library, "archive_entry_set_size", all.setSize);
     if (!whole) return {};
-    return found;
+    return all;
 }
 
 }  // namespace
 
 const LibArchive* LibArchive::load() {
-    static const std::optional<LibArchive> library = open();
+    static const std::optional<LibArchive> library = found();
     return library ? &*library : nullptr;
 }
 

@@ -11,11 +11,10 @@ struct LibArchive {
     decltype(&archive_write_set_format_zip) setFormatZip;
     decltype(&archive_write_set_options) setOptions;
     decltype(&archive_write_set_bytes_in_last_block) setBytesInLastBlock;
-    decltype(&archive_write_open_fd) openDescriptor;
+    decltype(&archive_write_open) open;
     decltype(&archive_write_header) header;
     decltype(&archive_write_data) data;
     decltype(&archive_write_close) close;
-    decltype(&archive_write_fail) fail;
     decltype(&archive_write_free) free;
     decltype(&archive_error_string) errorString;
     decltype(&archive_entry_new) entryNew;

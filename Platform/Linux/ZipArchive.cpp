@@ -58,8 +58,8 @@ public:
     Packer(const LibArchive& library, const fs::path& file, const std::function<bool()>& cancelled)
         : m_library(library), m_file(file), m_cancelled(cancelled), m_zip(library.writeNew()) {}
     ~Packer() {
-        // Without this a zip that is given up would still be completed.
-        if (!m_closed) m_library.fail(m_zip);
+        // A zip that is given up is completed all the same, or the library would keep its memory.
+        m_out.isWanted = false;
         m_library.free(m_zip);
     }
     Packer(const Packer&) = delete;
@@ -69,7 +69,8 @@ public:
         m_library.setFormatZip(m_zip);
         m_library.setOptions(m_zip, "zip:compression=deflate,zip:hdrcharset=UTF-8");
         m_library.setBytesInLastBlock(m_zip, 1);
-        return checked(m_library.openDescriptor(m_zip, target));
+        m_out.file = target;
+        return checked(m_library.open(m_zip, &m_out, nullptr, &Packer::write, nullptr));
     }
 
     Failure add(const fs::path& path, const std::string& name) {
@@ -81,13 +82,35 @@ public:
         return {};
     }
 
-    Failure close() {
-        m_closed = true;
-        return checked(m_library.close(m_zip));
-    }
+    Failure close() { return checked(m_library.close(m_zip)); }
 
 private:
+    struct Out {
+        int file = -1;
+        int error = 0;
+        bool isWanted = true;
+    };
+
+    /// Never fails: after a failed write the library would not free what it holds.
+    static la_ssize_t write(archive*, void* data, const void* bytes, std::size_t count) {
+        Out& out = *static_cast<Out*>(data);
+        const char* next = static_cast<const char*>(bytes);
+        for (std::size_t left = count; left > 0 && out.isWanted;) {
+            const ssize_t done = ::write(out.file, next, left);
+            if (done < 0 && errno == EINTR) continue;
+            if (done <= 0) {
+                out.error = done < 0 ? errno : ENOSPC;
+                out.isWanted = false;
+                break;
+            }
+            next += done;
+            left -= static_cast<std::size_t>(done);
+        }
+        return static_cast<la_ssize_t>(count);
+    }
+
     Failure checked(la_ssize_t result) {
+        if (m_out.error) return unwritable(m_file, std::generic_category().message(m_out.error));
         if (result >= ARCHIVE_WARN) return {};
         const char* why = m_library.errorString(m_zip);
         return unwritable(m_file, why ? why : "no reason given");
@@ -150,7 +173,7 @@ private:
     const fs::path& m_file;
     const std::function<bool()>& m_cancelled;
     archive* m_zip;
-    bool m_closed = false;
+    Out m_out;
     std::unique_ptr<char[]> m_piece = std::make_unique<char[]>(pieceBytes);
 };
 

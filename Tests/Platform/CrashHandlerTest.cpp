@@ -41,6 +41,7 @@ struct CrashHandlerTest : testing::Test {
             const rlimit none{0, 0};
             setrlimit(RLIMIT_CORE, &none);
             dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO);
+            crashAsUsual();
             if (handled) installCrashHandler(report, "0.1.0");
             work();
             _exit(0);
@@ -103,6 +104,7 @@ TEST_F(CrashHandlerTest, ASignalFromSomebodyElseIsToldAsSuch) {
     const auto parent = getpid();
     const pid_t child = fork();
     if (child == 0) {
+        crashAsUsual();
         installCrashHandler(report, "0.1.0");
         kill(getpid(), SIGSTOP);
         while (true) pause();

@@ -13,6 +13,7 @@
 #include "Platform/Linux/GLibLoop.h"
 #include "Platform/Linux/ReadFile.h"
 #include "Tests/Fakes/TemporaryFolder.h"
+#include "Tests/Platform/Support/ChildWork.h"
 #include "Tests/Platform/Support/Children.h"
 
 namespace ravik::platform {
@@ -51,7 +52,11 @@ struct ReportFolderTest : testing::Test {
     /// The status of a child that does so.
     int watched(const std::function<void()>& work) const {
         int status = 0;
-        waitpid(forkChild([&] { watch(work); }), &status, 0);
+        waitpid(forkChild([&] {
+                    crashAsUsual();
+                    watch(work);
+                }),
+                &status, 0);
         return status;
     }
     static void block(double seconds) { std::this_thread::sleep_for(std::chrono::duration<double>(seconds)); }

@@ -12,6 +12,7 @@
 #include "Platform/Linux/ReadFile.h"
 #include "Tests/Fakes/TemporaryFolder.h"
 #include "Tests/Platform/Support/ChildWork.h"
+#include "Tests/Platform/Support/Children.h"
 
 namespace ravik::platform {
 
@@ -239,7 +240,11 @@ TEST_F(SettingsFiles, KilledWriterNeverLeavesHalfAFile) {
             SettingsFile settings(file);
             for (int n = last + 1;; ++n) settings.set("n", n);
         }
-        usleep(500 + random() % 9000);
+        EXPECT_TRUE(waitUntil([&] {
+            const json now = stored();
+            return !now.is_object() || now.value("n", 0) > last;
+        }));
+        usleep(random() % 9000);
         kill(writer, SIGKILL);
         waitpid(writer, nullptr, 0);
         const json now = stored();

@@ -30,11 +30,11 @@ struct FeedbackTest : testing::Test {
     }
 
     std::string build() {
-        std::string line;
+        told.clear();
         spawn(Feedback::build(machine.platform, logFolder.log, "Ravik 0.1.0 · Linux debian 12"),
-              [&](const std::string& told) { line = told; });
+              [&](const std::string& line) { told = line; });
         machine.loop.settle();
-        return line;
+        return told;
     }
     nlohmann::json lastLine() {
         auto line = logFolder.lines().back();
@@ -44,6 +44,7 @@ struct FeedbackTest : testing::Test {
     }
 
     fakes::FakeMachine machine;
+    std::string told;
     fakes::LogFolder logFolder{machine.clock};
     fakes::TemporaryFolder folder;
 };
@@ -86,6 +87,9 @@ TEST_F(FeedbackTest, TheLoopGoesOnWhileItIsPacked) {
     machine.loop.holdBackground = true;
     EXPECT_EQ(build(), "");
     EXPECT_THAT(logFolder.lines(), IsEmpty());
+    machine.loop.holdBackground = false;
+    machine.loop.settle();
+    EXPECT_EQ(told, "Saved to the Desktop");
 }
 
 TEST_F(FeedbackTest, SaysWhatItRanOn) {

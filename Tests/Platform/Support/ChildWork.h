@@ -27,6 +27,10 @@ int amongOwnPids(const std::function<int()>& work);
 /// namespace of the test's own only.
 pid_t forkWithPid(pid_t pid, const std::function<void()>& work = {});
 
+/// Gives the signals that end a crashing process back to the system, which a sanitizer answers with a report and an
+/// exit. In the child that is to crash.
+void crashAsUsual();
+
 /// The permission bits; 0 if there is no such file.
 unsigned modeOf(const std::filesystem::path& path);
 
