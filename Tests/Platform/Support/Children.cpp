@@ -14,6 +14,7 @@
 
 #include "Platform/Linux/BootTime.h"
 #include "Platform/Linux/ReadFile.h"
+#include "Tests/Platform/Support/Sanitized.h"
 
 namespace ravik::platform {
 
@@ -114,7 +115,8 @@ Pid startProgram(const std::vector<std::string>& words, const std::vector<std::s
 }
 
 bool waitUntil(const std::function<bool()>& done, double seconds) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    const auto end =
+        std::chrono::steady_clock::now() + std::chrono::duration<double>(isSanitized ? 3 * seconds : seconds);
     while (!done()) {
         if (std::chrono::steady_clock::now() > end) return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(10));

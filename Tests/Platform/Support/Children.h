@@ -39,7 +39,7 @@ Pid forkChild(const std::function<void()>& body);
 /// Starts a program of the PATH, its output to nowhere. The pid; 0 if it cannot be started.
 Pid startProgram(const std::vector<std::string>& words, const std::vector<std::string>& environment = {});
 
-/// Waits until `done` says true, at most this long, looking every 10 ms.
+/// Waits until `done` says true, at most this long (under a sanitizer three times as long), looking every 10 ms.
 bool waitUntil(const std::function<bool()>& done, double seconds = 10);
 
 /// A pipe through which children tell their pids.
