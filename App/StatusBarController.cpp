@@ -24,6 +24,8 @@ constexpr double panelClosesAfter = 10;
 constexpr double trayComesWithin = 2;
 /// Who closes a window and looks again soon finds everything as it was.
 constexpr double memoryKeptFor = 30;
+/// The patience with what is asked to end, and some more.
+constexpr double fixesEndWithin = 6;
 
 const std::vector<Destination> screens{Destination::diagnosis};
 
@@ -224,9 +226,18 @@ void StatusBarController::answer(const std::string& action) {
 }
 
 void StatusBarController::quit() {
+    const bool isAgain = m_hasEnded;
     // Before the windows are closed one by one, each as if the user had closed it.
     terminate();
-    QCoreApplication::quit();
+    if (isAgain || !m_monitor.isFixing()) {
+        QCoreApplication::quit();
+        return;
+    }
+    // What the user has said yes to is done and written down, unless it takes too long or he asks again.
+    m_fixing = m_monitor.observe([this](Monitor::Change change) {
+        if (change == Monitor::Change::fixes && !m_monitor.isFixing()) QCoreApplication::quit();
+    });
+    m_computer.platform().loop.after(fixesEndWithin, [] { QCoreApplication::quit(); });
 }
 
 void StatusBarController::letGo() {
@@ -240,8 +251,7 @@ void StatusBarController::terminate() {
     m_hasEnded = true;
     m_observing.end();
     m_views.end();
-    m_monitor.stop();
-    m_monitor.releaseAllLive();
+    m_monitor.retire();
     Platform& platform = m_computer.platform();
     platform.loop.cancel(m_releasing);
     platform.notifier.onAction({});

@@ -29,7 +29,7 @@ public:
     /// Everything that happens at launch; `asked` is what this start was to show. False if another instance runs, which
     /// has been brought to the front.
     bool launch(const Activation& asked = {});
-    /// Ends the program.
+    /// Ends the program, after a fix that is under way; called again, at once.
     void quit();
     /// The panel, open or closed; while a question stands, the question.
     void toggle();
@@ -77,6 +77,7 @@ private:
     const Program m_program;
     StatusItem m_item;
     Subscription m_observing;
+    Subscription m_fixing;
     /// Of whoever started the program, for a window that opens because of that.
     QByteArray m_startToken;
     MainLoop::Timer m_releasing = 0;

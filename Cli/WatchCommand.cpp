@@ -88,8 +88,7 @@ int runWatch(Context& context, const Arguments& arguments) {
                                    printable(target));
     }
     loop.run();
-    monitor.stop();
-    monitor.releaseAllLive();
+    monitor.retire();
     context.platform().notifier.onAction({});
     context.platform().watchLock.release();
     return done;

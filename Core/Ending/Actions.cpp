@@ -73,6 +73,7 @@ Task<std::optional<std::string>> Actions::endTrees(Finding finding, KillTrees re
                       Fmt::mb(finding.gainBytes), face.icon}};
     if (!co_await ask(std::move(question))) co_return std::nullopt;
 
+    const Monitor::Fix fix(m_monitor);
     const EndResult result = co_await m_monitor.apply(finding, finding.caution.has_value(), snapshot);
     note(result);
     const auto* ended = std::get_if<Ended>(&result);
@@ -94,6 +95,7 @@ Task<std::optional<std::string>> Actions::quitApp(Finding finding, QuitApp remed
                       Fmt::mb(finding.gainBytes), AppIcons::icon(app, m_monitor.host())}};
     if (!co_await ask(std::move(question))) co_return std::nullopt;
 
+    const Monitor::Fix fix(m_monitor);
     const EndResult result = co_await m_monitor.apply(finding, false);
     note(result);
     if (!std::holds_alternative<Ended>(result)) co_return text(result);
@@ -168,6 +170,7 @@ Task<std::optional<std::string>> Actions::freeAll(std::function<void()> onConfir
         m_monitor.log().event("fixAll", {{"findings", ids}, {"cancelled", true}});
         co_return std::nullopt;
     }
+    const Monitor::Fix fix(m_monitor);
     if (onConfirmed) onConfirmed();
 
     std::int64_t gone = 0;

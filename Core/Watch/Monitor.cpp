@@ -67,7 +67,14 @@ void Monitor::stop() {
     m_timer = 0;
 }
 
+void Monitor::retire() {
+    m_hasRetired = true;
+    stop();
+    releaseAllLive();
+}
+
 void Monitor::refresh() {
+    if (m_hasRetired) return;
     if (m_inFlight) {
         ++m_skipped;
         return;
@@ -120,6 +127,7 @@ Monitor::Tick Monitor::take(Readers& readers, Reading reading) {
 
 void Monitor::apply(Tick tick) {
     m_inFlight = false;
+    if (m_hasRetired) return;
     const bool watches = m_role == Role::watcher;
     if (m_skipped > 0 && watches) m_log.event("skippedTicks", {{"n", m_skipped}});
     m_skipped = 0;

@@ -53,7 +53,23 @@ public:
         suggestions,
         lastFix,
         notifications,
-        role
+        role,
+        fixes
+    };
+
+    /// A fix that the user has said yes to, from then until all of it is done and written down.
+    class Fix {
+    public:
+        explicit Fix(Monitor& monitor) : m_monitor(monitor) { ++monitor.m_fixes; }
+        ~Fix() {
+            --m_monitor.m_fixes;
+            m_monitor.publish(Change::fixes);
+        }
+        Fix(const Fix&) = delete;
+        Fix& operator=(const Fix&) = delete;
+
+    private:
+        Monitor& m_monitor;
     };
 
     Monitor(Platform& platform, Log& log, Host host, Role role);
@@ -68,6 +84,11 @@ public:
     Role role() const { return m_role; }
     /// Stops the timer; a tick under way still ends.
     void stop();
+    /// For the end of the program: no tick begins or comes back any more, and nothing stays paused or demoted. A fix
+    /// that is under way goes on.
+    void retire();
+    /// A Fix stands.
+    bool isFixing() const { return m_fixes > 0; }
     /// One tick, or a counted skip if one is still running.
     void refresh();
     /// A whole reading on the calling thread, published when it returns. For commands, which have no loop to keep
@@ -189,6 +210,8 @@ private:
     std::unordered_set<std::string> m_seenFindings;
     bool m_inFlight = false;
     bool m_takesOver = false;
+    bool m_hasRetired = false;
+    int m_fixes = 0;
     std::uint64_t m_skipped = 0;
     Engine m_engine;
     Engine::History m_engineHistory;

@@ -1,5 +1,6 @@
 #include "App/StatusBarController.h"
 
+#include <QStyleHints>
 #include <QTest>
 
 #include <algorithm>
@@ -293,6 +294,30 @@ TEST_F(StatusBarControllerTest, GivesNothingBackAfterItsEnd) {
     QTest::qWait(0);
     pass(60);
     EXPECT_EQ(computer.releases, 0);
+}
+
+TEST_F(StatusBarControllerTest, AFixThatIsUnderWayAtItsEndIsDoneAndWrittenDown) {
+    leaveOrphan();
+    start();
+    pass(5);
+    computer.machine.notifier.press("free");
+    const auto windows = QGuiApplication::topLevelWindows();
+    const auto question = std::ranges::find(windows, QStringLiteral("End 1 program?"), &QWindow::title);
+    ASSERT_NE(question, windows.end());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(*question));
+    QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval() + 50);
+    QTest::keyClick(*question, Qt::Key_Backspace, Qt::ControlModifier);
+    QTest::qWait(20);
+    ASSERT_TRUE(controller->monitor().isFixing());
+    const std::size_t ticks = folder.lines("tick").size();
+    controller->quit();
+    EXPECT_TRUE(controller->monitor().isFixing());
+    pass(20);
+    EXPECT_FALSE(controller->monitor().isFixing());
+    EXPECT_FALSE(computer.machine.processes.find(800));
+    EXPECT_EQ(folder.lines("remedy").size(), 1u);
+    EXPECT_EQ(folder.lines("fixAll").size(), 1u);
+    EXPECT_EQ(folder.lines("tick").size(), ticks) << "it looks at the machine no more";
 }
 
 TEST_F(StatusBarControllerTest, ItsEndLeavesTheLockAndTheNameToOthers) {

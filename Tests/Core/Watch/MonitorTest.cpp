@@ -90,6 +90,28 @@ TEST_F(MonitorTest, AFiringDuringATickOnlyCountsAsSkipped) {
     EXPECT_EQ(logFolder.lines("skippedTicks").size(), 1u);
 }
 
+TEST_F(MonitorTest, OnceRetiredItHoldsNothingAndLooksAtNothing) {
+    machine.readings.load = 20;
+    machine.defaults.values["autopilotApproved"] = nlohmann::json::array({"demote"});
+    add(200, "burner").cpuPercent = 90;
+    const auto monitor = make();
+    monitor->start();
+    machine.loop.runFor(11);
+    ASSERT_TRUE(machine.processes.find(200)->demoted);
+    const std::size_t ticks = logFolder.lines("tick").size();
+    machine.loop.holdBackground = true;
+    monitor->refresh();
+    monitor->retire();
+    EXPECT_FALSE(machine.processes.find(200)->demoted);
+    machine.loop.holdBackground = false;
+    machine.loop.runFor(20);
+    monitor->refresh();
+    machine.loop.settle();
+    EXPECT_FALSE(machine.processes.find(200)->demoted);
+    EXPECT_EQ(logFolder.lines("tick").size(), ticks);
+    EXPECT_EQ(logFolder.lines("autopilotRelease").size(), 1u);
+}
+
 TEST_F(MonitorTest, TheTickLineHoldsTheReading) {
     machine.readings.swapUsed = 3ull << 29;
     machine.readings.diskFree = 100ull << 30;

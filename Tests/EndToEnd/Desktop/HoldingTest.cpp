@@ -138,6 +138,29 @@ TEST_P(Demotion, IsUndoneWhenTheAppEnds) {
     expectLetGo("demote");
 }
 
+TEST_F(Holding, AFixUnderWayGoesToItsEndFirst) {
+    home.storeShortPatience();
+    const Pid left = leave("shop/server.js", 200, {"RAVIK_TEST_DEAF=1"});
+    ASSERT_GT(left, 0);
+    showTray(Tray::trayer);
+    startApp({"TOLVANE_INTERVAL=1"});
+    hands->click(icon());
+    ASSERT_TRUE(showsBeginning("push button", "Free "));
+    ASSERT_TRUE(shows([](const Accessible& windows) {
+        const Accessible* found = windows.findBeginning("push button", "Free ");
+        return found && found->enabled;
+    }));
+    hands->press(key::enter);
+    ASSERT_TRUE(shows("push button", "Cancel"));
+    usleep(600'000);
+    hands->press(key::backspace, {key::control});
+    ASSERT_TRUE(logs("confirm"));
+    endApp(End::signal);
+    EXPECT_FALSE(lives(left));
+    EXPECT_THAT(home.logLines("remedy"), SizeIs(1));
+    EXPECT_THAT(home.logLines("fixAll"), SizeIs(1));
+}
+
 TEST_F(Holding, ACrashOfTheAppIsMadeGoodByTheNextStart) {
     const KernelFile memory("/proc/meminfo", shortMemory(10));
     LaterClock clock(home);
