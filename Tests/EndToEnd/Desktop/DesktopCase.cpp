@@ -68,7 +68,11 @@ bool DesktopCase::shows(const std::function<bool(const Accessible&)>& wanted, do
             return wanted(last);
         },
         seconds);
-    if (!shown) ADD_FAILURE() << "it shows:\n" << last.text();
+    if (!shown) {
+        ADD_FAILURE() << "it shows:\n"
+                      << last.text() << "on a screen with:\n"
+                      << hands->list() << "panels opened: " << home.logLines("panel").size();
+    }
     return shown;
 }
 
@@ -88,6 +92,12 @@ std::vector<Area> DesktopCase::windows() {
 
 bool DesktopCase::showsNoWindow(double seconds) {
     return waitUntil([&] { return windows().empty(); }, seconds);
+}
+
+bool DesktopCase::hasKeyboard(const std::string& title) {
+    const bool has = waitUntil([&] { return hands->focusedTitle() == title; }, 20);
+    EXPECT_TRUE(has) << "the keyboard is with \"" << hands->focusedTitle() << "\"\n" << hands->list();
+    return has;
 }
 
 void DesktopCase::click(const std::string& role, const std::string& name) {

@@ -34,6 +34,8 @@ protected:
     /// Where the app's windows stand; its icon in a tray is none.
     std::vector<Area> windows();
     bool showsNoWindow(double seconds = 10);
+    /// True once the keys go to the window with that title.
+    bool hasKeyboard(const std::string& title);
     /// Clicks the middle of the first of that role and name, once it stands.
     void click(const std::string& role, const std::string& name);
 

@@ -25,6 +25,7 @@ protected:
     }
 
     void ask() {
+        ASSERT_TRUE(hasKeyboard("Ravik"));
         Area free;
         ASSERT_TRUE(shows([&](const Accessible& windows) {
             const Accessible* found = windows.findBeginning(button, "Free ");
@@ -33,6 +34,7 @@ protected:
         }));
         hands->click(free);
         ASSERT_TRUE(shows(button, "Cancel"));
+        ASSERT_TRUE(hasKeyboard("End 1 program?"));
         // Until then it takes no yes.
         usleep(doubleClick);
     }
@@ -78,8 +80,10 @@ TEST_F(Free, TakesReturnEscapeAndPlainBackspaceForNo) {
 }
 
 TEST_F(Free, IsWhatReturnPressesInThePanel) {
+    ASSERT_TRUE(hasKeyboard("Ravik"));
     hands->press(key::enter);
     ASSERT_TRUE(shows(button, "Cancel"));
+    ASSERT_TRUE(hasKeyboard("End 1 program?"));
     hands->press(key::enter);
     EXPECT_FALSE(answer(1));
     EXPECT_TRUE(lives(left));

@@ -139,6 +139,12 @@ bool Hands::ownsTray() {
     return reply && reply->owner != XCB_WINDOW_NONE;
 }
 
+std::string Hands::focusedTitle() {
+    const Owned<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    return reply && reply->focus > XCB_INPUT_FOCUS_POINTER_ROOT ? text(reply->focus, atom("_NET_WM_NAME")) : "";
+}
+
 std::vector<Area> Hands::windows(const std::string& title) {
     std::vector<Area> areas;
     for (const Window& window : all()) {

@@ -35,6 +35,8 @@ public:
     std::vector<Area> windows(const std::string& title);
     /// The same by the class in WM_CLASS.
     std::vector<Area> windowsOfClass(const std::string& name);
+    /// The title of the window that has the keyboard; empty if none has it.
+    std::string focusedTitle();
     /// True while somebody shows the icons of the screen's status area in the old way, embedded.
     bool ownsTray();
     /// Gives what is behind all windows one colour, 0xRRGGBB.

@@ -150,14 +150,16 @@ TEST_F(Holding, AFixUnderWayGoesToItsEndFirst) {
         const Accessible* found = windows.findBeginning("push button", "Free ");
         return found && found->enabled;
     }));
+    ASSERT_TRUE(hasKeyboard("Ravik"));
     hands->press(key::enter);
     ASSERT_TRUE(shows("push button", "Cancel"));
+    ASSERT_TRUE(hasKeyboard("End 1 program?"));
     usleep(600'000);
     hands->press(key::backspace, {key::control});
     ASSERT_TRUE(logs("confirm"));
     endApp(End::signal);
-    EXPECT_FALSE(lives(left));
-    EXPECT_THAT(home.logLines("remedy"), SizeIs(1));
+    ASSERT_THAT(home.logLines("remedy"), SizeIs(1));
+    EXPECT_FALSE(lives(left)) << home.logLines("remedy").at(0);
     EXPECT_THAT(home.logLines("fixAll"), SizeIs(1));
 }
 

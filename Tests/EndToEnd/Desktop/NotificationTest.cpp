@@ -77,12 +77,14 @@ TEST_F(Alert, ItsButtonAsksAndAYesFreesTheLeftover) {
     click(right);
     EXPECT_EQ(answered(), "free");
     ASSERT_TRUE(shows("push button", "Cancel"));
+    ASSERT_TRUE(hasKeyboard("End 1 program?"));
     EXPECT_TRUE(lives(left));
     usleep(doubleClick);
     hands->press(key::backspace, {key::control});
     EXPECT_TRUE(waitUntil([&] { return !lives(left); }, 20));
-    ASSERT_TRUE(logs("fixAll"));
+    ASSERT_TRUE(waitUntil([&] { return home.settings().contains("lastFix"); }));
     EXPECT_EQ(home.logLines("confirm").at(0)["confirmed"], true);
+    EXPECT_THAT(home.logLines("fixAll"), SizeIs(1));
     EXPECT_THAT(home.settings()["lastFix"]["line"].get<std::string>(), StartsWith("1 ended · 0 survivors · "));
     EXPECT_TRUE(showsNoWindow());
 }
@@ -91,6 +93,7 @@ TEST_F(Alert, ItsButtonTakesANo) {
     clock->advance(650);
     click(right);
     ASSERT_TRUE(shows("push button", "Cancel"));
+    ASSERT_TRUE(hasKeyboard("End 1 program?"));
     hands->press(key::enter);
     ASSERT_TRUE(logs("fixAll"));
     EXPECT_EQ(home.logLines("fixAll").at(0)["cancelled"], true);
