@@ -3,6 +3,7 @@
 #include <csignal>
 
 #include "Tests/EndToEnd/Isolation.h"
+#include "Tests/Platform/Support/LeverScene.h"
 
 namespace ravik::endtoend {
 
@@ -51,12 +52,15 @@ void DesktopCase::startApp(const std::vector<std::string>& variables) {
 
 Area DesktopCase::icon() {
     Area area;
-    const auto stands = [&] {
+    int looks = 0;
+    // A tray moves an icon a few times before it rests in its place.
+    const auto rests = [&] {
         const auto found = iconIn(tray, *hands);
-        if (found) area = *found;
-        return found.has_value();
+        looks = found && *found == area ? looks + 1 : 0;
+        area = found.value_or(Area{});
+        return looks >= 20;
     };
-    EXPECT_TRUE(waitUntil(stands, 20));
+    EXPECT_TRUE(waitUntil(rests, 20));
     return area;
 }
 
@@ -116,6 +120,8 @@ Pid DesktopCase::leave(const std::string& script, int megabytes, std::vector<std
     const Pid terminal = start({home.shell("bash"), "-c", command + " & wait"}, variables);
     const Pid left = find(command);
     reaper.end(terminal);
+    // One that is at work would be asked about.
+    EXPECT_TRUE(waitUntil([&] { return platform::stateOf(left) == 'S'; }, 20));
     return findAdopted(command) == left ? left : 0;
 }
 

@@ -15,6 +15,8 @@ struct Area {
     int y = 0;
     int width = 0;
     int height = 0;
+
+    friend bool operator==(const Area&, const Area&) = default;
 };
 
 /// Somebody at the screen: moves the one pointer, presses the one keyboard, and sees which windows stand there.
