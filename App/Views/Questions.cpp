@@ -49,8 +49,11 @@ void Questions::raise() {
 
 void Questions::answer(bool yes) {
     if (!m_window) return;
-    m_frame.close(std::exchange(m_window, nullptr));
+    QQuickWindow* window = std::exchange(m_window, nullptr);
+    // What comes back stands first: with no window of the program's on the screen the keyboard goes to nobody, and that
+    // may be told only after it has come back, which looks as if the user had left.
     Q_EMIT answered();
+    m_frame.close(window);
     // What follows may block the loop for seconds: the window goes first.
     QMetaObject::invokeMethod(
         this, [this, yes] { resume(yes); }, Qt::QueuedConnection);
