@@ -14,7 +14,7 @@ endfunction()
 set(RAVIK_TEST_ENVIRONMENT
   "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1"
   "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/sanitizers/lsan.supp:print_suppressions=0"
-  "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/sanitizers/tsan.supp:second_deadlock_stack=1"
+  "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/sanitizers/tsan.supp:second_deadlock_stack=1:die_after_fork=0"
   "UBSAN_OPTIONS=print_stacktrace=1")
 
 # ravik_test(TARGET FOLDER [LINK LIBRARY...]): one test program of all sources below FOLDER. Each case is a ctest entry;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+
 #include "Platform/Platform.h"
 
 namespace ravik::fakes {
@@ -11,7 +13,8 @@ public:
     double monotonic() const override { return time; }
     void advance(double seconds) { time += seconds; }
 
-    Time time = 1'760'000'000;
+    /// Read by the log's own thread too.
+    std::atomic<Time> time = 1'760'000'000;
 };
 
 }  // namespace ravik::fakes

@@ -38,7 +38,7 @@ void FakeLoop::runFor(double seconds) {
         const auto next = std::ranges::min_element(
             m_timers, [](const auto& a, const auto& b) { return a.second.due < b.second.due; });
         if (next == m_timers.end() || next->second.due > end) break;
-        m_clock.time = std::max(m_clock.time, next->second.due);
+        m_clock.time = std::max(m_clock.now(), next->second.due);
         const auto work = next->second.work;
         if (next->second.period > 0) {
             next->second.due += next->second.period;
