@@ -12,7 +12,8 @@ namespace {
 
 constexpr const char* accessibleInterface = "org.a11y.atspi.Accessible";
 // Bits of the state set, as the protocol numbers them.
-constexpr int checkedBit = 4, enabledBit = 8, focusableBit = 11, focusedBit = 12, visibleBit = 30;
+constexpr int activeBit = 1, checkedBit = 4, enabledBit = 8, focusableBit = 11, focusedBit = 12, selectedBit = 23,
+              visibleBit = 30;
 
 std::string addressOf(const Bus& session) {
     GVariant* reply = session.call("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress");
@@ -60,6 +61,7 @@ std::string Accessible::text(int depth) const {
     if (!description.empty() && description != name) line += fmt::format(" ({})", description);
     if (focusable && !enabled) line += " disabled";
     if (checked) line += " checked";
+    if (selected) line += " selected";
     if (focused) line += " focused";
     line += '\n';
     for (const Accessible& child : children) line += child.text(depth + 1);
@@ -122,10 +124,12 @@ Accessible AccessibilityBus::read(const Place& place) const {
             const auto word = static_cast<gsize>(bit / 32);
             return word < count && (bits[word] >> (bit % 32) & 1u) != 0;
         };
+        one.active = has(activeBit);
         one.checked = has(checkedBit);
         one.enabled = has(enabledBit);
         one.focusable = has(focusableBit);
         one.focused = has(focusedBit);
+        one.selected = has(selectedBit);
         one.visible = has(visibleBit);
         g_variant_unref(words);
         g_variant_unref(reply);

@@ -19,11 +19,14 @@ struct Accessible {
     std::string name;
     std::string description;
     Area area;
+    /// A window that has the keyboard.
+    bool active = false;
     bool enabled = false;
     bool focusable = false;
     bool focused = false;
     bool visible = false;
     bool checked = false;
+    bool selected = false;
     std::vector<Accessible> children;
 
     /// The first of that role and name among this and all below; null if there is none.

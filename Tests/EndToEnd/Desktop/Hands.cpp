@@ -5,11 +5,15 @@
 #include <memory>
 
 #include <fmt/format.h>
+#include <unistd.h>
 #include <xcb/xtest.h>
 
 namespace ravik::endtoend {
 
 namespace {
+
+/// A menu that a press opens takes a release in the same moment for its own.
+constexpr useconds_t clickLasts = 80'000;
 
 struct Free {
     void operator()(void* reply) const { std::free(reply); }
@@ -53,6 +57,8 @@ void Hands::moveTo(int x, int y) {
 void Hands::click(const Area& area, std::uint8_t button) {
     moveTo(area.x + area.width / 2, area.y + area.height / 2);
     fake(XCB_BUTTON_PRESS, button);
+    settle();
+    usleep(clickLasts);
     fake(XCB_BUTTON_RELEASE, button);
     settle();
 }
@@ -121,6 +127,33 @@ void Hands::paintScreen(std::uint32_t colour) {
     xcb_change_window_attributes(m_connection, m_root, XCB_CW_BACK_PIXEL, &colour);
     xcb_clear_area(m_connection, 0, m_root, 0, 0, 0, 0);
     settle();
+}
+
+void Hands::resize(const std::string& title, int width, int height) {
+    const std::uint32_t size[]{static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height)};
+    for (const Window& window : all()) {
+        if (window.mapped && window.title == title)
+            xcb_configure_window(m_connection, window.id, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+    }
+    settle();
+}
+
+int Hands::count(const Area& area, std::uint32_t colour) {
+    const Owned<xcb_get_image_reply_t> image(xcb_get_image_reply(
+        m_connection,
+        xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_root, static_cast<std::int16_t>(area.x),
+                      static_cast<std::int16_t>(area.y), static_cast<std::uint16_t>(area.width),
+                      static_cast<std::uint16_t>(area.height), ~0U),
+        nullptr));
+    if (!image) return 0;
+    // Four bytes a pixel at a depth of 24, blue first.
+    const std::uint8_t* bytes = xcb_get_image_data(image.get());
+    int found = 0;
+    for (int at = 0; at + 3 < xcb_get_image_data_length(image.get()); at += 4) {
+        const std::uint32_t pixel = bytes[at] | bytes[at + 1] << 8U | bytes[at + 2] << 16U;
+        if (pixel == colour) ++found;
+    }
+    return found;
 }
 
 std::string Hands::list() {

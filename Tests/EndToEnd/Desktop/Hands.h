@@ -41,6 +41,10 @@ public:
     std::string focusedTitle();
     /// True while somebody shows the icons of the screen's status area in the old way, embedded.
     bool ownsTray();
+    /// Makes the window with that title so large.
+    void resize(const std::string& title, int width, int height);
+    /// How many pixels of a place on the screen have exactly this colour, 0xRRGGBB.
+    int count(const Area& area, std::uint32_t colour);
     /// Gives what is behind all windows one colour, 0xRRGGBB.
     void paintScreen(std::uint32_t colour);
     /// Every mapped window in words, for the message of a test that failed.
@@ -68,7 +72,8 @@ private:
 
 namespace key {
 inline constexpr std::uint32_t tab = 0xff09, enter = 0xff0d, escape = 0xff1b, backspace = 0xff08, control = 0xffe3,
-                               shift = 0xffe1, space = 0x20, left = 0xff51, up = 0xff52, right = 0xff53, down = 0xff54;
+                               shift = 0xffe1, space = 0x20, left = 0xff51, up = 0xff52, right = 0xff53, down = 0xff54,
+                               end = 0xff57;
 }
 
 }  // namespace ravik::endtoend

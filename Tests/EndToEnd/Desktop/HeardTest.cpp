@@ -38,12 +38,20 @@ protected:
         DesktopCase::TearDown();
     }
 
-    static const char* lastButton() { return std::string_view(GetParam()) == "question" ? "Cancel" : "Quit Ravik"; }
+    static const char* lastButton() {
+        const std::string_view scene = GetParam();
+        if (scene == "question") return "Cancel";
+        if (scene.ends_with("evidence")) return "Close";
+        return scene.starts_with("window") ? "Read the computer Now" : "Quit Ravik";
+    }
 
     Accessible heard;
 };
 
-INSTANTIATE_TEST_SUITE_P(Desktop, Heard, testing::Values("panel-calm", "panel-findings", "question"),
+INSTANTIATE_TEST_SUITE_P(Desktop, Heard,
+                         testing::Values("panel-calm", "panel-findings", "question", "window-diagnosis",
+                                         "window-diagnosis-calm", "window-diagnosis-map", "window-diagnosis-evidence",
+                                         "window-diagnosis-after"),
                          [](const auto& scene) {
                              std::string name = scene.param;
                              std::erase(name, '-');

@@ -7,7 +7,7 @@ namespace ravik::endtoend {
 
 namespace {
 
-constexpr const char* screen = "1800x1000x24";
+constexpr const char* screen = "1800x1500x24";
 
 /// A panel of the desktop's with nothing on it but the status area, no longer than that.
 constexpr const char* xfcePanel = R"(<?xml version="1.0" encoding="UTF-8"?>
