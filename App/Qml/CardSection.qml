@@ -16,8 +16,6 @@ Column {
 
     visible: model.cards.count > 0
     spacing: 8
-    Accessible.role: Accessible.List
-    Accessible.name: model.heading
 
     SectionHeading {
         width: parent.width
@@ -34,6 +32,8 @@ Column {
             id: list
 
             width: parent.width
+            Accessible.role: Accessible.List
+            Accessible.name: section.model.heading
 
             Repeater {
                 model: section.model.cards

@@ -11,6 +11,7 @@ Column {
 
     spacing: 8
     Accessible.role: Accessible.List
+    Accessible.name: face.rowsSpoken
 
     Repeater {
         model: grid.face.isGone ? null : grid.face.rows

@@ -53,6 +53,8 @@ Item {
             visible: active
             sourceComponent: Own.TreeView {
                 model: row.lines
+                // Its lines belong to the row.
+                Accessible.ignored: true
             }
         }
 
@@ -62,7 +64,6 @@ Item {
             text: row.more
             color: Tokens.text2
             font: Tokens.tolvaneCaption
-            Accessible.ignored: true
         }
     }
 }

@@ -13,6 +13,8 @@ Item {
     property color color: Tokens.text
     property font font: Tokens.tolvaneCaption
     property bool isCentred: false
+    /// Not where what it stands in says the same.
+    property bool isSpoken: true
     readonly property real size: 16 * Tokens.grow
 
     implicitHeight: Math.max(glyph.height, label.height)
@@ -38,5 +40,6 @@ Item {
         text: line.text
         color: line.color
         font: line.font
+        Accessible.ignored: !line.isSpoken
     }
 }

@@ -7,6 +7,8 @@ import Ravik
 CardRow {
     id: finding
 
+    /// What its name opens.
+    required property string more
     readonly property real most: column.width - (press.visible ? press.width + 12 : 0)
 
     implicitHeight: column.height + 28
@@ -33,6 +35,7 @@ CardRow {
             TextLink {
                 width: Math.min(implicitWidth, column.width)
                 text: finding.name
+                help: finding.more
                 color: Tokens.text
                 font: Tokens.tolvaneLabel
                 onTriggered: finding.opened()

@@ -67,6 +67,7 @@ Column {
 
         delegate: MapFinding {
             width: part.width
+            more: part.screen.moreHelp
             onOpened: part.screen.open(id)
             onRun: part.screen.run(id)
         }

@@ -40,23 +40,6 @@ MemoryMap {
         onHoveredChanged: ring.screen.setPointerOver(hovered)
     }
 
-    Repeater {
-        model: ring.map.arcs
-
-        delegate: Item {
-            required property string id
-            required property string spoken
-            required property bool isSelected
-
-            anchors.fill: parent
-            Accessible.role: Accessible.ListItem
-            Accessible.name: spoken
-            Accessible.selectable: true
-            Accessible.selected: isSelected
-            Accessible.onPressAction: ring.screen.selectArc(id)
-        }
-    }
-
     Column {
         anchors.centerIn: parent
         width: ring.hole * 0.86
@@ -77,6 +60,23 @@ MemoryMap {
             color: Tokens.text2
             font: Tokens.tolvaneCaption
             wrapMode: Text.Wrap
+        }
+    }
+
+    Repeater {
+        model: ring.map.arcs
+
+        delegate: Item {
+            required property string id
+            required property string spoken
+            required property bool isSelected
+
+            anchors.fill: parent
+            Accessible.role: Accessible.ListItem
+            Accessible.name: spoken
+            Accessible.selectable: true
+            Accessible.selected: isSelected
+            Accessible.onPressAction: ring.screen.selectArc(id)
         }
     }
 }

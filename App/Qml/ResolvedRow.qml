@@ -72,6 +72,7 @@ Item {
             text: row.line
             color: row.ink
             font: Tokens.button
+            isSpoken: false
         }
     }
 }

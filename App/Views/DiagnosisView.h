@@ -43,6 +43,7 @@ class DiagnosisView : public View {
     Q_PROPERTY(MapView* map READ map CONSTANT FINAL)
     Q_PROPERTY(EvidenceView* evidence READ evidence CONSTANT FINAL)
     Q_PROPERTY(QString runKey READ runKey CONSTANT FINAL)
+    Q_PROPERTY(QString moreHelp READ moreHelp CONSTANT FINAL)
 
 public:
     DiagnosisView(const Program& program, QObject* parent);
@@ -71,6 +72,7 @@ public:
     RecordModel* resolved() { return &m_resolved; }
     MapView* map() { return &m_map; }
     EvidenceView* evidence() { return &m_evidence; }
+    QString moreHelp() const { return text(InfoButton::help); }
     QString runKey() const { return text(m_program.monitor.host().nouns().confirmChord); }
 
     Q_INVOKABLE void free() { m_model.free(); }

@@ -25,6 +25,7 @@ class EvidenceView : public View {
     Q_PROPERTY(QString verdict READ verdict NOTIFY changed FINAL)
     Q_PROPERTY(QString verdictSpoken READ verdictSpoken NOTIFY changed FINAL)
     Q_PROPERTY(RecordModel* rows READ rows CONSTANT FINAL)
+    Q_PROPERTY(QString rowsSpoken READ rowsSpoken CONSTANT FINAL)
     Q_PROPERTY(RecordModel* tree READ tree CONSTANT FINAL)
     Q_PROPERTY(bool hasKeep READ hasKeep NOTIFY changed FINAL)
     Q_PROPERTY(bool canKeep READ canKeep NOTIFY changed FINAL)
@@ -51,6 +52,7 @@ public:
     QString verdictSpoken() const { return text(m_face.sheet.verdict.spoken()); }
     /// Roles `label`, `value`, `isTree` (it is drawn as `tree`), `more`, `spoken`.
     RecordModel* rows() { return &m_rows; }
+    QString rowsSpoken() const { return text(EvidenceScreen::rowsSpoken); }
     RecordModel* tree() { return &m_tree; }
     bool hasKeep() const { return m_face.sheet.keep.has_value(); }
     bool canKeep() const { return hasKeep() && m_face.sheet.keep->isEnabled; }

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "Core/Base/Utf8.h"
 #include "Core/Wording/CardFace.h"
 #include "Core/Wording/Fmt.h"
 #include "Core/Wording/Plain.h"
@@ -23,7 +24,7 @@ std::string spoken(const DiagnosisCard& card) {
                                     card.heldApart(), card.amount, card.instead}) {
         if (part.empty()) continue;
         const bool closed = text.ends_with('.') || text.ends_with('!') || text.ends_with('?');
-        text += (closed ? " " : ". ") + part;
+        text += (closed ? " " : ". ") + Utf8::capitalised(part);
     }
     return text;
 }

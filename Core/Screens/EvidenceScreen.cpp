@@ -26,14 +26,7 @@ void growTree(Row& row, const KillTrees& remedy, const ScreenInput& input) {
 }
 
 std::string spoken(const Row& row) {
-    if (row.tree.empty()) return fmt::format("{}: {}", row.label, row.value);
-    std::string text = row.label + ": ";
-    for (const TreeLine& line : row.tree) {
-        if (&line != &row.tree.front()) text += "; ";
-        text += fmt::format("{}, {}", line.label, line.mb);
-    }
-    if (!row.more.empty()) text += "; " + row.more;
-    return text;
+    return row.tree.empty() ? fmt::format("{}: {}", row.label, row.value) : row.label;
 }
 
 }  // namespace

@@ -16,6 +16,9 @@ struct EvidenceScreen {
     /// Lines of a process tree that are shown; the rest is counted.
     static constexpr std::size_t treeLines = 12;
 
+    /// The rows as a list, for those who hear the screen.
+    static constexpr std::string_view rowsSpoken = "Evidence";
+
     struct Row {
         std::string label;
         /// Empty where `tree` stands in its place.
@@ -23,6 +26,7 @@ struct EvidenceScreen {
         std::vector<TreeLine> tree;
         /// "3 more" below a tree that is longer; else empty.
         std::string more;
+        /// The lines of a tree speak for themselves.
         std::string accessible;
         friend bool operator==(const Row&, const Row&) = default;
     };

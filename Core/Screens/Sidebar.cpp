@@ -27,7 +27,13 @@ std::optional<std::string> badge(Destination destination, const Snapshot& snapsh
 
 }  // namespace
 
-std::string SidebarRow::spoken() const { return badge ? fmt::format("{}, {}", title, *badge) : std::string(title); }
+std::string SidebarRow::spoken() const {
+    if (!badge) return std::string(title);
+    std::string_view noun;
+    if (destination == Destination::diagnosis) noun = badge == "1" ? " finding" : " findings";
+    if (destination == Destination::sessions) noun = " running";
+    return fmt::format("{}, {}{}", title, *badge, noun);
+}
 
 Sidebar::Sidebar(const std::vector<Destination>& screens, Destination selected, bool settingsExist,
                  const Snapshot& snapshot, const Host& host)

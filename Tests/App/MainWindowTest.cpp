@@ -47,7 +47,7 @@ TEST_F(MainWindow, TheSidebarCountsTheFindings) {
     open();
     ASSERT_TRUE(the("SidebarRow"));
     EXPECT_EQ(the("SidebarRow")->property("badge").toString(), QStringLiteral("3"));
-    EXPECT_EQ(the("SidebarRow")->property("spoken").toString(), QStringLiteral("Diagnosis, 3"));
+    EXPECT_EQ(the("SidebarRow")->property("spoken").toString(), QStringLiteral("Diagnosis, 3 findings"));
 }
 
 TEST_F(MainWindow, WithLargeTextTheSidebarIsARail) {

@@ -265,6 +265,7 @@ TEST(DiagnosisScreen, WithoutAButtonTheCardSaysWhyOrWhatToDo) {
     EXPECT_EQ(scene.card("indexing").amount, "advice, no button");
     EXPECT_EQ(scene.card("hog:11").instead, "A build (ninja, pid 11).");
     EXPECT_EQ(scene.card("hog:11").amount, "no button — left running");
+    EXPECT_TRUE(scene.card("hog:11").accessible.ends_with(". No button — left running. A build (ninja, pid 11)."));
 }
 
 TEST(DiagnosisScreen, TheSelectedCardNamesItsChord) {

@@ -57,8 +57,7 @@ TEST(EvidenceScreen, TheTreeIsDrawnRootFirstAndHeavierChildrenFirst) {
     EXPECT_EQ(tree->tree[2].id, 8);
     EXPECT_TRUE(tree->value.empty());
     EXPECT_TRUE(tree->more.empty());
-    EXPECT_EQ(tree->accessible,
-              "Tree: node: a.js · pid 7, 500\u00a0MB; worker · pid 9, 200\u00a0MB; esbuild · pid 8, 100\u00a0MB");
+    EXPECT_EQ(tree->accessible, "Tree") << "its lines are heard by themselves";
 }
 
 TEST(EvidenceScreen, ALongTreeIsCutAndTheRestCounted) {
@@ -67,7 +66,6 @@ TEST(EvidenceScreen, ALongTreeIsCutAndTheRestCounted) {
     const EvidenceScreen sheet = scene.sheet("orphan:7");
     EXPECT_EQ(row(sheet, "Tree")->tree.size(), 12u);
     EXPECT_EQ(row(sheet, "Tree")->more, "4 more");
-    EXPECT_TRUE(row(sheet, "Tree")->accessible.ends_with("; 4 more"));
 }
 
 TEST(EvidenceScreen, ATreeThatIsNotInTheReadingIsWritten) {

@@ -155,7 +155,7 @@ TEST(Sidebar, WritesShortcutsAsTheSystemDoes) {
 
 TEST(Sidebar, DiagnosisCountsItsFindings) {
     EXPECT_EQ(row(Destination::diagnosis, busy()).badge, "3");
-    EXPECT_EQ(row(Destination::diagnosis, busy()).spoken(), "Diagnosis, 3");
+    EXPECT_EQ(row(Destination::diagnosis, busy()).spoken(), "Diagnosis, 3 findings");
     Snapshot calm = busy();
     calm.findings.clear();
     EXPECT_EQ(row(Destination::diagnosis, calm).badge, std::nullopt);
@@ -167,6 +167,7 @@ TEST(Sidebar, DiagnosisCountsItsFindings) {
 
 TEST(Sidebar, AgentSessionsCountsRunningOnesOnly) {
     EXPECT_EQ(row(Destination::sessions, busy()).badge, "2");
+    EXPECT_EQ(row(Destination::sessions, busy()).spoken(), "Agent sessions, 2 running");
     Snapshot ended;
     ended.sessions = {session(-1, false)};
     EXPECT_EQ(row(Destination::sessions, ended).badge, std::nullopt);
@@ -174,6 +175,7 @@ TEST(Sidebar, AgentSessionsCountsRunningOnesOnly) {
 
 TEST(Sidebar, AutopilotIsAlwaysLearningAndTheRestHasNoBadge) {
     EXPECT_EQ(row(Destination::autopilot, {}).badge, "learning");
+    EXPECT_EQ(row(Destination::autopilot, {}).spoken(), "Autopilot, learning");
     EXPECT_EQ(row(Destination::processes, busy()).badge, std::nullopt);
     EXPECT_EQ(row(Destination::disk, busy()).badge, std::nullopt);
     EXPECT_EQ(row(Destination::history, busy()).badge, std::nullopt);

@@ -78,15 +78,15 @@ TEST_F(Window, SidebarCountsWhatWasFoundAndReadsAgain) {
     leave("shop/server.js", 64);
     openWindow("60");
     readNow();
-    EXPECT_TRUE(shows("page tab", "Diagnosis, 1"));
+    EXPECT_TRUE(shows("page tab", "Diagnosis, 1 finding"));
     const Pid second = leave("blog/site.js", 64);
     ASSERT_GT(second, 0);
     readNow();
-    EXPECT_TRUE(shows("page tab", "Diagnosis, 2"));
+    EXPECT_TRUE(shows("page tab", "Diagnosis, 2 findings"));
     reaper.end(second);
     hands->press(keyR, {key::control});
-    EXPECT_TRUE(shows("page tab", "Diagnosis, 1"));
-    click("page tab", "Diagnosis, 1");
+    EXPECT_TRUE(shows("page tab", "Diagnosis, 1 finding"));
+    click("page tab", "Diagnosis, 1 finding");
     hands->press(key1, {key::control});
     EXPECT_TRUE(shows("heading", "Safe to end"));
     EXPECT_TRUE(opened(1));
@@ -104,7 +104,7 @@ TEST_F(Window, KeepsSelectionAndScrollOverTicks) {
     std::vector<Pid> left;
     for (int one = 10; one < 24; ++one) left.push_back(leave(fmt::format("shop/server-{}.js", one), one));
     openWindow();
-    ASSERT_TRUE(shows("page tab", "Diagnosis, 14"));
+    ASSERT_TRUE(shows("page tab", "Diagnosis, 14 findings"));
     for (int step = 0; step < 9; ++step) hands->press(key::down);
     // The largest stands first.
     ASSERT_TRUE(hasFocus(card, "server-15.js. "));
@@ -119,10 +119,10 @@ TEST_F(Window, KeepsSelectionAndScrollOverTicks) {
 
     // One larger than all comes, and one that is to be seen goes.
     const Pid large = leave("shop/server-99.js", 99);
-    EXPECT_TRUE(shows("page tab", "Diagnosis, 15"));
+    EXPECT_TRUE(shows("page tab", "Diagnosis, 15 findings"));
     reaper.end(large);
     reaper.end(left.front());
-    EXPECT_TRUE(shows("page tab", "Diagnosis, 13"));
+    EXPECT_TRUE(shows("page tab", "Diagnosis, 13 findings"));
     EXPECT_TRUE(ticks(2));
     EXPECT_TRUE(hasFocus(card, "server-15.js. "));
     const Accessible after = get(card, "server-15.js. ");
