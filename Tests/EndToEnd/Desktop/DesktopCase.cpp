@@ -108,8 +108,10 @@ void DesktopCase::click(const std::string& role, const std::string& name) {
     Area area;
     const bool found = shows([&](const Accessible& windows) {
         const Accessible* one = windows.find(role, name);
+        // It has come to rest.
+        const bool rests = one && one->area == area;
         if (one) area = one->area;
-        return one && one->enabled && area.width > 0;
+        return rests && one->enabled && area.width > 0;
     });
     if (found) hands->click(area);
 }

@@ -130,7 +130,7 @@ TEST_F(Diagnosis, ItsEvidenceShowsTheTreeOfRealProcesses) {
     EXPECT_TRUE(hasFocus(button, "Close"));
     const std::vector<Accessible> tree = get(card, "Tree").children;
     ASSERT_THAT(tree, SizeIs(2));
-    EXPECT_EQ(tree[0].name, fmt::format("node · pid {}", root));
+    EXPECT_EQ(tree[0].name, fmt::format("node: esbuild · pid {}", root));
     EXPECT_EQ(tree[1].name, fmt::format("esbuild · pid {}", child));
     EXPECT_EQ(tree[1].description, "64\u00a0MB");
     EXPECT_GT(tree[1].area.y, tree[0].area.y);

@@ -129,11 +129,13 @@ void Hands::paintScreen(std::uint32_t colour) {
     settle();
 }
 
-void Hands::resize(const std::string& title, int width, int height) {
-    const std::uint32_t size[]{static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height)};
+void Hands::place(const std::string& title, const Area& area) {
+    const std::uint32_t values[]{static_cast<std::uint32_t>(area.x), static_cast<std::uint32_t>(area.y),
+                                 static_cast<std::uint32_t>(area.width), static_cast<std::uint32_t>(area.height)};
+    constexpr std::uint16_t geometry =
+        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
     for (const Window& window : all()) {
-        if (window.mapped && window.title == title)
-            xcb_configure_window(m_connection, window.id, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+        if (window.mapped && window.title == title) xcb_configure_window(m_connection, window.id, geometry, values);
     }
     settle();
 }

@@ -41,8 +41,8 @@ public:
     std::string focusedTitle();
     /// True while somebody shows the icons of the screen's status area in the old way, embedded.
     bool ownsTray();
-    /// Makes the window with that title so large.
-    void resize(const std::string& title, int width, int height);
+    /// Moves and sizes the window with that title.
+    void place(const std::string& title, const Area& area);
     /// How many pixels of a place on the screen have exactly this colour, 0xRRGGBB.
     int count(const Area& area, std::uint32_t colour);
     /// Gives what is behind all windows one colour, 0xRRGGBB.

@@ -29,13 +29,14 @@ void MainWindowCase::awaitWindow() {
 }
 
 void MainWindowCase::enlarge() {
-    constexpr int width = 960;
-    constexpr int height = 1200;
-    hands->resize(title, width, height);
-    ASSERT_TRUE(shows([](const Accessible& windows) {
+    constexpr Area large{40, 60, 960, 1200};
+    hands->place(title, large);
+    // What is heard of it is where it is.
+    ASSERT_TRUE(shows([&](const Accessible& windows) {
         const Accessible* frame = windows.find("frame", title);
-        return frame && frame->area.height == height;
-    }));
+        const auto standing = hands->windows(title);
+        return frame && frame->area.height == large.height && standing == std::vector{frame->area};
+    })) << hands->list();
 }
 
 void MainWindowCase::readNow() {
