@@ -20,8 +20,9 @@ std::string withoutButton(const Finding& finding) {
 
 std::string spoken(const DiagnosisCard& card) {
     std::string text = card.name;
+    const std::string held = card.heldApart();
     for (const std::string& part : {card.verdict ? card.verdict->spoken() : std::string(), card.sentence,
-                                    card.heldApart(), card.amount, card.instead}) {
+                                    held.empty() ? held : "Holds " + held, card.amount, card.instead}) {
         if (part.empty()) continue;
         const bool closed = text.ends_with('.') || text.ends_with('!') || text.ends_with('?');
         text += (closed ? " " : ". ") + Utf8::capitalised(part);

@@ -96,6 +96,11 @@ void showMap(Stage& stage) {
     stage.draw();
 }
 
+void showMapBelow(Stage& stage) {
+    showMap(stage);
+    stage.scrollDown();
+}
+
 void showEvidence(Stage& stage) {
     openMain(stage, 960);
     stage.press(Qt::Key_Down);
@@ -116,6 +121,12 @@ void endOne(Stage& stage) {
     stage.scrollDown();
 }
 
+/// The same for one that does not end.
+void endStubbornOne(Stage& stage) {
+    for (auto& [pid, process] : stage.machine().processes.all()) process.ignoresTerm = process.ignoresKill = true;
+    endOne(stage);
+}
+
 }  // namespace
 
 const std::vector<Scene>& scenes() {
@@ -134,9 +145,11 @@ const std::vector<Scene>& scenes() {
         {"window-diagnosis-1600", stage::furnishBusy, mainAt(1600), {light, dark}},
         {"window-diagnosis-calm", stage::furnishCalm, mainAt(960), {light, dark}},
         {"window-diagnosis-waiting", stage::furnishCalm, openMainAtOnce, {light, dark}},
-        {"window-diagnosis-map", stage::furnishBusy, showMap, {light, dark, large}},
+        {"window-diagnosis-map", stage::furnishBusy, showMap, {light, dark, large, mirrored}},
+        {"window-diagnosis-map-below", stage::furnishBusy, showMapBelow, {large}},
         {"window-diagnosis-evidence", stage::furnishBusy, showEvidence, {light, dark}},
         {"window-diagnosis-after", stage::furnishBusy, endOne, {light, dark}},
+        {"window-diagnosis-failed", stage::furnishBusy, endStubbornOne, {light, dark}},
     };
     return all;
 }

@@ -223,7 +223,7 @@ TEST(DiagnosisScreen, WithoutAGainTheCardSaysWhatWillBeDone) {
     EXPECT_FALSE(scene.card("hog:9").isMemory);
     EXPECT_EQ(scene.card("hog:9").held, "300\u00a0MB");
     EXPECT_EQ(scene.card("hog:9").heldApart(), "300\u00a0MB");
-    EXPECT_THAT(scene.card("hog:9").accessible, testing::EndsWith(" 300\u00a0MB. ends 1 process"));
+    EXPECT_THAT(scene.card("hog:9").accessible, testing::EndsWith(" Holds 300\u00a0MB. Ends 1 process"));
     EXPECT_EQ(scene.card("disk").amount, "opens Disk");
     EXPECT_TRUE(scene.card("disk").opensDisk);
     EXPECT_FALSE(scene.card("disk").button.has_value());

@@ -21,10 +21,12 @@ constexpr std::uint32_t caution = 0x91450D;
 /// What came of an action stands where the screen shows it, so drawn that it is told by its colour as well.
 class Diagnosis : public MainWindowCase {
 protected:
-    void expectColour(const Accessible& outcome, std::uint32_t colour, std::uint32_t other) {
-        // It arrives gently.
-        EXPECT_TRUE(waitUntil([&] { return hands->count(outcome.area, colour) > 20; }));
-        EXPECT_EQ(hands->count(outcome.area, other), 0);
+    void expectColour(const std::string& name, std::uint32_t colour, std::uint32_t other) {
+        // It arrives gently, and moves up while the card that it stands for leaves.
+        EXPECT_TRUE(shows([&](const Accessible& windows) {
+            const Accessible* outcome = windows.find(label, name);
+            return outcome && hands->count(outcome->area, colour) > 20 && hands->count(outcome->area, other) == 0;
+        }));
     }
 };
 
@@ -38,7 +40,7 @@ TEST_F(Diagnosis, ACardsButtonEndsARealLeftoverAndItsCardSaysSo) {
     sayYes();
     ASSERT_TRUE(waitUntil([&] { return !lives(left); }, 20));
     const Accessible outcome = get(label, "server.js. 1 ended · 0 survivors · 200");
-    expectColour(outcome, safe, caution);
+    expectColour(outcome.name, safe, caution);
     EXPECT_TRUE(showsNone(card, "server.js. "));
     EXPECT_TRUE(lives(other));
     EXPECT_NE(get(card, "site.js. ").name, "");
@@ -70,8 +72,8 @@ TEST_F(Diagnosis, AFailedEndingIsInTheCautionColour) {
     std::ofstream(pipe) << "now\n";
     ASSERT_EQ(find(home.idle("git") + " push"), left);
     sayYes();
-    const Accessible outcome =
-        get(label, fmt::format("read. Left running: a git operation in progress (git, pid {}).", left));
+    const std::string outcome = fmt::format("read. Left running: a git operation in progress (git, pid {}).", left);
+    ASSERT_TRUE(shows(label, outcome));
     expectColour(outcome, caution, safe);
     EXPECT_TRUE(lives(left));
     ASSERT_TRUE(logs("remedy"));
