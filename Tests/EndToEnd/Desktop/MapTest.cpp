@@ -20,9 +20,9 @@ protected:
         left = leave("shop/server.js", 600);
         ASSERT_GT(left, 0);
         ASSERT_GT(leave("blog/site.js", 300), 0);
+        home.store({{"diagnosisMode", "Map"}});
         openWindow();
         enlarge();
-        click("radio button", "Map");
         ASSERT_TRUE(showsBeginning("list", ring));
         ASSERT_TRUE(shows(label, hint));
         ASSERT_THAT(get(card, "node: server.js, 0.6 GB, ").name, StartsWith("node: server.js, "));
@@ -84,6 +84,20 @@ TEST_F(Map, EndsALeftoverFromItsSidePanel) {
     sayYes();
     ASSERT_TRUE(platform::waitUntil([&] { return !lives(left); }, 20));
     EXPECT_TRUE(showsBeginning(label, "server.js. 1 ended · 0 survivors · "));
+}
+
+TEST_F(Map, IsChosenByKeysAndKeptForTheNextWindow) {
+    // The option that is chosen is the one stop before the ring.
+    hands->press(key::tab, {key::shift});
+    ASSERT_TRUE(hasFocus("radio button", "Map"));
+    hands->press(key::left);
+    ASSERT_TRUE(hasFocus("radio button", "Cards"));
+    EXPECT_TRUE(showsBeginning(card, "server.js. "));
+    EXPECT_TRUE(platform::waitUntil([&] { return home.settings()["diagnosisMode"] == "Cards"; }));
+    hands->press(key::right);
+    ASSERT_TRUE(hasFocus("radio button", "Map"));
+    EXPECT_TRUE(showsBeginning("list", ring));
+    EXPECT_TRUE(platform::waitUntil([&] { return home.settings()["diagnosisMode"] == "Map"; }));
 }
 
 TEST_F(Map, ShowsTheEvidenceOfAPartsFinding) {
