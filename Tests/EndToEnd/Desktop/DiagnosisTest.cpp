@@ -68,7 +68,7 @@ TEST_F(Diagnosis, AFailedEndingIsInTheCautionColour) {
     enlarge();
     readNow();
     click(button, "End… read");
-    ASSERT_TRUE(shows(button, "Cancel"));
+    ASSERT_TRUE(isAsked());
     std::ofstream(pipe) << "now\n";
     ASSERT_EQ(find(home.idle("git") + " push"), left);
     sayYes();
@@ -87,7 +87,7 @@ TEST_F(Diagnosis, FreeAsksThenEndsAndItsLineStays) {
     enlarge();
     const std::string free = get(button, "Free ").name;
     click(button, free);
-    ASSERT_TRUE(shows(button, "Cancel"));
+    ASSERT_TRUE(isAsked());
     EXPECT_TRUE(lives(first) && lives(second));
     hands->press(key::escape);
     ASSERT_TRUE(waitUntil([&] { return home.logLines("confirm").size() == 1; }));

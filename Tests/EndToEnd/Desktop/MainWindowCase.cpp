@@ -1,5 +1,7 @@
 #include "Tests/EndToEnd/Desktop/MainWindowCase.h"
 
+#include <algorithm>
+
 #include <unistd.h>
 
 namespace ravik::endtoend {
@@ -71,8 +73,15 @@ bool MainWindowCase::hasFocus(const std::string& role, const std::string& beginn
     });
 }
 
+bool MainWindowCase::isAsked() {
+    return shows([](const Accessible& windows) {
+        return std::ranges::any_of(
+            windows.children, [](const Accessible& frame) { return frame.active && frame.find(button, "Cancel"); });
+    });
+}
+
 void MainWindowCase::sayYes() {
-    ASSERT_TRUE(shows(button, "Cancel"));
+    ASSERT_TRUE(isAsked());
     usleep(doubleClick);
     hands->press(key::backspace, {key::control});
 }

@@ -29,6 +29,8 @@ protected:
     bool showsNone(const std::string& role, const std::string& beginning);
     /// True once the keyboard is on what begins like that.
     bool hasFocus(const std::string& role, const std::string& beginning);
+    /// True once a question stands and has the keyboard.
+    bool isAsked();
     /// Waits for the question and says yes.
     void sayYes();
 
