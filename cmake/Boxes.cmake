@@ -10,17 +10,11 @@ function(ravik_box target folder)
   target_link_libraries(${target} PUBLIC ravik-flags)
 endfunction()
 
-# What a test program hears of the sanitizer it was built with.
-set(RAVIK_TEST_ENVIRONMENT
-  "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1"
-  "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/sanitizers/lsan.supp:print_suppressions=0"
-  "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/sanitizers/tsan.supp:second_deadlock_stack=1:die_after_fork=0"
-  "UBSAN_OPTIONS=print_stacktrace=1")
-
-# ravik_test(TARGET FOLDER [LINK LIBRARY...]): one test program of all sources below FOLDER. Each case is a ctest entry;
-# under a sanitizer, whose start takes longer than most cases, each program is a few entries that share its cases.
+# ravik_test(TARGET FOLDER [FORKS] [LINK LIBRARY...]): one test program of all sources below FOLDER. Each case is a ctest
+# entry; under a sanitizer, whose start takes longer than most cases, each program is a few entries that share its cases.
+# FORKS: its cases fork, which the thread sanitizer allows only where no thread has run before.
 function(ravik_test target folder)
-  cmake_parse_arguments(TEST "" "" "LINK" ${ARGN})
+  cmake_parse_arguments(TEST "FORKS" "" "LINK" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
   if(NOT sources)
     return()
@@ -39,12 +33,16 @@ function(ravik_test target folder)
 
   target_compile_options(${target} PRIVATE -O0)
   string(REGEX REPLACE ",.*" "" sanitizer ${RAVIK_SANITIZE})
+  if(TEST_FORKS AND sanitizer STREQUAL "thread")
+    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES TEST_PREFIX thread. PROPERTIES TIMEOUT 300)
+    return()
+  endif()
   set(shards 4)
   foreach(shard RANGE 1 ${shards})
     set(name "${sanitizer}.${target}.${shard}of${shards}")
     add_test(NAME ${name} COMMAND ${target} --gtest_brief=1)
     math(EXPR index "${shard} - 1")
     set_tests_properties(${name} PROPERTIES TIMEOUT 1200 ENVIRONMENT
-      "GTEST_TOTAL_SHARDS=${shards};GTEST_SHARD_INDEX=${index};${RAVIK_TEST_ENVIRONMENT}")
+      "GTEST_TOTAL_SHARDS=${shards};GTEST_SHARD_INDEX=${index}")
   endforeach()
 endfunction()

@@ -18,6 +18,7 @@ endif()
 if(RAVIK_SANITIZE)
   add_compile_options(-fsanitize=${RAVIK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${RAVIK_SANITIZE})
+  target_sources(ravik-flags INTERFACE $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:${PROJECT_SOURCE_DIR}/cmake/sanitizers/Options.cpp>)
 endif()
 
 find_program(RAVIK_MOLD mold)
