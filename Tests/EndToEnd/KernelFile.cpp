@@ -18,9 +18,7 @@ KernelFile::KernelFile(std::string path, const std::string& text) : m_path(std::
     EXPECT_TRUE(m_covers) << m_path;
 }
 
-KernelFile::~KernelFile() {
-    EXPECT_TRUE(!m_covers || umount2(m_path.c_str(), MNT_DETACH) == 0) << m_path;
-}
+KernelFile::~KernelFile() { EXPECT_TRUE(!m_covers || umount2(m_path.c_str(), MNT_DETACH) == 0) << m_path; }
 
 std::string heavyLoad() { return "9999.00 9999.00 9999.00 10000/20000 4711\n"; }
 
