@@ -80,7 +80,8 @@ void Reaper::end(Pid pid) {
             kill(pid, SIGKILL);
             waitUntil([&] { return !isSame(proc); });
         }
-        waitpid(pid, nullptr, WNOHANG);
+        // A child's files are closed once its last thread has gone, which is when it can be waited for.
+        waitUntil([&] { return waitpid(pid, nullptr, WNOHANG) != 0; });
         return;
     }
 }
