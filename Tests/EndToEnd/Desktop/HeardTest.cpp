@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
 #include <set>
@@ -93,7 +94,8 @@ TEST_P(Heard, GetsEveryEnabledControlByTab) {
         if (one.role == "push button" && one.enabled) wanted.insert(one.name);
     });
     std::set<std::string> reached;
-    for (std::size_t step = 0; step < 2 * wanted.size() + 2 && reached != wanted; ++step) {
+    // More than once round: on a busy machine the keyboard may be further than was heard.
+    for (std::size_t step = 0; step < 6 * wanted.size() + 6 && !std::ranges::includes(reached, wanted); ++step) {
         if (const Accessible* focus = heard.focus()) reached.insert(focus->name);
         const std::string before = heard.focus() ? heard.focus()->name : "";
         hands->press(key::tab);

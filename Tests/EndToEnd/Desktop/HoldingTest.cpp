@@ -61,6 +61,13 @@ protected:
         EXPECT_EQ(line["pids"], 1);
         return true;
     }
+    /// Nothing has been done by it for half an hour, as far as the app has seen.
+    void beIdle(Pid pid, LaterClock& clock) {
+        ASSERT_TRUE(waitUntil([&] { return stateOf(pid) == 'S'; }));
+        const std::size_t seen = home.logLines("tick").size();
+        ASSERT_TRUE(waitUntil([&] { return home.logLines("tick").size() >= seen + 3; }, 20));
+        clock.advance(31 * 60);
+    }
     void expectLetGo(const char* action) {
         const auto lines = home.logLines("autopilotRelease");
         ASSERT_THAT(lines, SizeIs(1));
@@ -83,10 +90,7 @@ TEST_P(Pause, IsUndoneWhenTheAppEnds) {
     showTray(Tray::trayer);
     startApp({"TOLVANE_INTERVAL=1"});
     icon();
-    ASSERT_TRUE(logs("tick"));
-    ASSERT_TRUE(waitUntil([&] { return stateOf(painter) == 'S'; }));
-    // Idle for half an hour, as far as the app has seen.
-    clock.advance(31 * 60);
+    beIdle(painter, clock);
     ASSERT_TRUE(holds("pause"));
     ASSERT_TRUE(waitUntil([&] { return stateOf(painter) == 'T'; }));
     endApp(GetParam());
@@ -171,8 +175,7 @@ TEST_F(Holding, ACrashOfTheAppIsMadeGoodByTheNextStart) {
     showTray(Tray::trayer);
     startApp({"TOLVANE_INTERVAL=1"});
     icon();
-    ASSERT_TRUE(logs("tick"));
-    clock.advance(31 * 60);
+    beIdle(painter, clock);
     ASSERT_TRUE(holds("pause"));
     ASSERT_TRUE(waitUntil([&] { return stateOf(painter) == 'T'; }));
     app->signal(SIGKILL);
