@@ -1,50 +1,29 @@
 #include "Core/Base/Utf8.h"
 
+#include <algorithm>
+
+#include "Core/Base/SmallLetters.h"
+
 namespace ravik::Utf8 {
 
 namespace {
 
-bool within(char32_t scalar, char32_t first, char32_t last) { return first <= scalar && scalar <= last; }
-
-/// Alphabets whose capitals and small letters alternate, the capital on an even or an odd number.
-bool alternates(char32_t scalar, bool& capitalIsOdd) {
-    capitalIsOdd = within(scalar, 0x139, 0x148) || within(scalar, 0x179, 0x17E) || within(scalar, 0x4C1, 0x4CE);
-    return capitalIsOdd || within(scalar, 0x100, 0x12F) || within(scalar, 0x132, 0x137) ||
-           within(scalar, 0x14A, 0x177) || within(scalar, 0x370, 0x373) || within(scalar, 0x460, 0x481) ||
-           within(scalar, 0x48A, 0x4BF) || within(scalar, 0x4D0, 0x52F) || within(scalar, 0x1E00, 0x1E95) ||
-           within(scalar, 0x1EA0, 0x1EFF);
-}
+constexpr char32_t dottedI = 0x130;
 
 char32_t lower(char32_t scalar) {
-    if (scalar < 0x80) return within(scalar, 'A', 'Z') ? scalar + 32 : scalar;
-    if (within(scalar, 0xC0, 0xDE)) return scalar == 0xD7 ? scalar : scalar + 32;
-    if (scalar == 0x178) return 0xFF;
-    if (within(scalar, 0x391, 0x3AB)) return scalar + 32;
-    switch (scalar) {
-        case 0x386: return 0x3AC;
-        case 0x388:
-        case 0x389:
-        case 0x38A: return scalar + 37;
-        case 0x38C: return 0x3CC;
-        case 0x38E:
-        case 0x38F: return scalar + 63;
-        case 0x1E9E: return 0xDF;
-        default: break;
-    }
-    if (within(scalar, 0x400, 0x40F)) return scalar + 80;
-    if (within(scalar, 0x410, 0x42F)) return scalar + 32;
-    if (within(scalar, 0x531, 0x556)) return scalar + 48;
-    bool capitalIsOdd = false;
-    if (alternates(scalar, capitalIsOdd) && (scalar % 2 == 1) == capitalIsOdd) return scalar + 1;
-    return scalar;
+    if (scalar < 0x80) return scalar >= 'A' && scalar <= 'Z' ? scalar + 32 : scalar;
+    const auto all = capitals();
+    const auto run = std::ranges::lower_bound(all, scalar, {}, &Capitals::last);
+    if (run == all.end() || scalar < run->first || (scalar - run->first) % run->step != 0) return scalar;
+    return scalar + run->distance;
 }
 
 char32_t upper(char32_t scalar) {
-    if (scalar == 0xFF) return 0x178;
+    if (scalar < 0x80) return scalar >= 'a' && scalar <= 'z' ? scalar - 32 : scalar;
     if (scalar == 0x3C2) return 0x3A3;  // a sigma at the end of a word
-    // How far small letters lie behind their capitals.
-    for (const char32_t distance : {32, 80, 48, 1, 38, 37, 64, 63}) {
-        if (scalar > distance && lower(scalar - distance) == scalar) return scalar - distance;
+    for (const Capitals& run : capitals()) {
+        const char32_t capital = scalar - run.distance;
+        if (run.first <= capital && capital <= run.last && lower(capital) == scalar) return capital;
     }
     return scalar;
 }
@@ -88,7 +67,9 @@ std::string lower(std::string_view text) {
         const std::size_t begin = at;
         const char32_t scalar = next(text, at);
         const char32_t lowered = at - begin == 1 && scalar >= 0x80 ? scalar : lower(scalar);
-        if (lowered == scalar) {
+        if (scalar == dottedI) {
+            small += "i\u0307";  // the one capital that becomes two scalars
+        } else if (lowered == scalar) {
             small.append(text, begin, at - begin);
         } else {
             append(small, lowered);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "Core/Base/SmallLetters.h"
+
 namespace ravik {
 
 TEST(Utf8, LowersTheAlphabetsThatHaveCases) {
@@ -9,6 +11,22 @@ TEST(Utf8, LowersTheAlphabetsThatHaveCases) {
     EXPECT_EQ(Utf8::lower("ÄÖÜ×ß ŁŽŸĀ"), "äöü×ß łžÿā");
     EXPECT_EQ(Utf8::lower("ΑΩΆΏ ЖЯЁ Ա"), "αωάώ жяё ա");
     EXPECT_EQ(Utf8::lower("日本 ŀĸ"), "日本 ŀĸ");
+    EXPECT_EQ(Utf8::lower("ȘȚ ƠƯ Ɖ ẞ"), "șț ơư ɖ ß");
+    EXPECT_EQ(Utf8::lower("ἈΘΉΝΑ ΣΑΣ Ω"), "ἀθήνα σασ ω");
+    EXPECT_EQ(Utf8::lower("ႠႵ Ა Ꭰ ꭰ Ꮝ"), "ⴀⴕ ა ꭰ ꭰ ꮝ");
+    EXPECT_EQ(Utf8::lower("ＡＺ Ⅷ Ⓐ Å"), "ａｚ ⅷ ⓐ å");
+    EXPECT_EQ(Utf8::lower("𐐀 𞤀"), "𐐨 𞤢");
+    EXPECT_EQ(Utf8::lower("ǄǅǆÑÓ"), "ǆǆǆñó");
+    EXPECT_EQ(Utf8::lower("İI"), "i\u0307i");
+}
+
+TEST(Utf8, CapitalsStandInOrderAndMayBeSearched) {
+    char32_t behind = 0x80;
+    for (const Utf8::Capitals& run : Utf8::capitals()) {
+        EXPECT_GE(run.first, behind);
+        EXPECT_EQ((run.last - run.first) % run.step, 0u);
+        behind = run.last + 1;
+    }
 }
 
 TEST(Utf8, BytesOfNoScalarStayAsTheyAre) {
@@ -31,6 +49,9 @@ TEST(Utf8, CapitalisesTheFirstScalarAlone) {
     EXPECT_EQ(Utf8::capitalised("Éa"), "Éa");
     EXPECT_EQ(Utf8::capitalised("÷a"), "÷a");
     EXPECT_EQ(Utf8::capitalised("日本"), "日本");
+    EXPECT_EQ(Utf8::capitalised("țț"), "Țț");
+    EXPECT_EQ(Utf8::capitalised("åå"), "Åå");
+    EXPECT_EQ(Utf8::capitalised("𐐨𐐨"), "𐐀𐐨");
     EXPECT_EQ(Utf8::capitalised("\xE9x"), "\xE9x");
 }
 
