@@ -18,8 +18,9 @@ Thresholds stored(Context& context) {
     return value ? Thresholds::decode(*value).value_or(Thresholds{}) : Thresholds{};
 }
 
-int store(Context& context, const Thresholds& limits) {
-    if (context.platform().defaults.set(storeKey, limits.encode())) return done;
+/// A change that changes nothing writes nothing.
+int store(Context& context, const Thresholds& before, const Thresholds& limits) {
+    if (limits == before || context.platform().defaults.set(storeKey, limits.encode())) return done;
     context.err << fmt::format("ravik settings: {} could not be written\n",
                                context.platform().folders.settings.string());
     return couldNot;
@@ -56,15 +57,16 @@ int refuse(Context& context, const std::string& sentence) {
 }
 
 int setFree(Context& context, const FreeField& field, const std::string& text) {
-    Thresholds limits = stored(context);
+    const Thresholds before = stored(context);
+    Thresholds limits = before;
     if (field.flag) {
         if (text != "true" && text != "false") {
             return refuse(context, fmt::format("Must be true or false. The last saved value, {}, stays in use.",
                                                show(limits, field)));
         }
         limits.*field.flag = text == "true";
-        const int status = store(context, limits);
-        if (status == done) context.log.event("autopilotRule", {{"on", limits.*field.flag}});
+        const int status = store(context, before, limits);
+        if (status == done && limits != before) context.log.event("autopilotRule", {{"on", limits.*field.flag}});
         return status;
     }
     const auto value = parseNumber(text);
@@ -74,7 +76,7 @@ int setFree(Context& context, const FreeField& field, const std::string& text) {
                                   show(limits, field)));
     }
     limits.*field.hours = *value;
-    return store(context, limits);
+    return store(context, before, limits);
 }
 
 }  // namespace
@@ -88,7 +90,7 @@ int runSettings(Context& context, const Arguments& arguments) {
     Table table({Table::Align::left, Table::Align::right, Table::Align::left, Table::Align::left, Table::Align::left});
     for (const ThresholdField& field : thresholdFields()) {
         table.add({std::string(field.key), fmt::format("{}", field.value(limits)), std::string(field.unit),
-                   fmt::format("{} to {}", field.low, field.high), std::string(field.title)});
+                   fmt::format("{} to {}", field.low, field.high), field.titleWith(context.host.nouns())});
     }
     for (const FreeField& field : freeFields) {
         table.add({std::string(field.key), show(limits, field), field.flag ? "" : "h", "", std::string(field.title)});
@@ -105,16 +107,20 @@ int runSettingsSet(Context& context, const Arguments& arguments) {
     }
     for (const ThresholdField& field : thresholdFields()) {
         if (field.key != key) continue;
-        Thresholds limits = stored(context);
+        const Thresholds before = stored(context);
         const auto value = parseNumber(text);
-        if (!value || !field.accepts(*value)) return refuse(context, field.refusal(field.value(limits)));
+        if (!value || !field.accepts(*value)) return refuse(context, field.refusal(field.value(before)));
+        Thresholds limits = before;
         field.assign(limits, *value);
-        return store(context, limits);
+        return store(context, before, limits);
     }
     context.err << fmt::format("ravik settings set: there is no \"{}\"; expected one of {}\n", printable(key), keys());
     return wrongWords;
 }
 
-int runSettingsReset(Context& context, const Arguments&) { return store(context, restoredDefaults(stored(context))); }
+int runSettingsReset(Context& context, const Arguments&) {
+    const Thresholds before = stored(context);
+    return store(context, before, restoredDefaults(before));
+}
 
 }  // namespace ravik::cli

@@ -19,6 +19,23 @@ TEST_F(SettingsCommand, ListsEveryLimitWithItsRange) {
     }
 }
 
+TEST_F(SettingsCommand, CallsTheMachineByTheHostsOwnWord) {
+    machine.host.kind = HostKind::linux;
+    EXPECT_NE(call({"settings"}).out.find("Computer busier than"), std::string::npos);
+    machine.host.kind = HostKind::mac;
+    EXPECT_NE(call({"settings"}).out.find("Mac busier than"), std::string::npos);
+}
+
+TEST_F(SettingsCommand, AChangeThatChangesNothingWritesNothing) {
+    EXPECT_EQ(call({"settings", "set", "swapGB", "8"}).status, done);
+    EXPECT_EQ(call({"settings", "set", "memoryFreePct", "15.9"}).status, done);
+    EXPECT_EQ(call({"settings", "set", "hogMinHours", "1"}).status, done);
+    EXPECT_EQ(call({"settings", "set", "autoEndLeftovers", "false"}).status, done);
+    EXPECT_EQ(call({"settings", "reset"}).status, done);
+    EXPECT_EQ(machine.defaults.writes, 0);
+    EXPECT_TRUE(logFolder.lines("autopilotRule").empty());
+}
+
 TEST_F(SettingsCommand, BothEndsOfARangeAreStored) {
     for (const ThresholdField& field : thresholdFields()) {
         for (const double value : {field.low, field.high}) {
@@ -38,8 +55,8 @@ TEST_F(SettingsCommand, AValueOutOfRangeGetsTheSentenceAndIsNotStored) {
 }
 
 TEST_F(SettingsCommand, AWholeLimitIsCut) {
-    call({"settings", "set", "memoryFreePct", "15.9"});
-    EXPECT_EQ(machine.defaults.values["thresholds"]["memoryFreePct"], 15);
+    call({"settings", "set", "memoryFreePct", "20.9"});
+    EXPECT_EQ(machine.defaults.values["thresholds"]["memoryFreePct"], 20);
 }
 
 TEST_F(SettingsCommand, AnUnknownKeyIsWrongAndListsTheKnown) {
