@@ -27,8 +27,7 @@ std::optional<Decision::Action> named(Context& context, const Arguments& argumen
     const std::string text = arguments.value("RULE").value_or("");
     const auto action = parseAction(text);
     if (action && *action != Decision::Action::end) return action;
-    context.err << fmt::format("ravik {}: expected pause or demote, not \"{}\" (see ravik help {})\n", command,
-                               printable(text), command);
+    refuseWords(context, command, fmt::format("expected pause or demote, not \"{}\"", printable(text)));
     return {};
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <fmt/format.h>
+
 namespace ravik::cli {
 
 std::optional<std::string> Arguments::value(std::string_view name) const {
@@ -30,6 +32,11 @@ std::string usage(const Command& command) {
         line += " " + word;
     }
     return line;
+}
+
+int refuseWords(Context& context, std::string_view command, std::string_view expected) {
+    context.err << fmt::format("ravik {0}: {1} (see ravik help {0})\n", command, expected);
+    return wrongWords;
 }
 
 }  // namespace ravik::cli

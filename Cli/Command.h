@@ -46,6 +46,10 @@ struct Context {
 /// 0 done; 1 it could not or would not; 2 the call's words are wrong.
 enum Status : int { done = 0, couldNot = 1, wrongWords = 2 };
 
+/// Says in one line on standard error what is expected and where help is, and answers with wrongWords. What the line
+/// quotes of the caller's words must be printable.
+int refuseWords(Context& context, std::string_view command, std::string_view expected);
+
 struct Option {
     /// "--json"; a positional has no dashes: "PID".
     std::string_view name;

@@ -60,7 +60,7 @@ bool prepare(Context& context, const Arguments& arguments, DiskModel& model) {
         std::error_code error;
         if (!std::filesystem::is_directory(path, error)) {
             if (root.empty()) {
-                context.err << "ravik disk: --root expects a folder\n";
+                refuseWords(context, "disk", "--root: expected a folder, not \"\"");
                 return false;
             }
             context.err << "ravik disk: " << printable(root) << " is no folder that can be read\n";

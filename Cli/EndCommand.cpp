@@ -58,9 +58,8 @@ int runEnd(Context& context, const Arguments& arguments) {
     Pid pid = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), pid);
     if (error != std::errc{} || end != text.data() + text.size() || pid < 1) {
-        context.err << fmt::format("ravik end: expected a process id, a whole number above 0, not \"{}\"\n",
-                                   printable(text));
-        return wrongWords;
+        return refuseWords(context, "end",
+                           fmt::format("expected a process id, a whole number above 0, not \"{}\"", printable(text)));
     }
     const auto monitor = readTwice(context);
     const ProcessIndex index(monitor->snapshot().processes);

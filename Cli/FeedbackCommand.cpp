@@ -14,8 +14,7 @@ namespace ravik::cli {
 int runFeedback(Context& context, const Arguments& arguments) {
     const auto given = arguments.value("--into");
     if (given && given->empty()) {
-        context.err << "ravik feedback: --into: expected a folder, not \"\"\n";
-        return wrongWords;
+        return refuseWords(context, "feedback", "--into: expected a folder, not \"\"");
     }
     Platform& platform = context.platform();
     std::error_code error;

@@ -168,9 +168,9 @@ int runHelp(Context& context, const Arguments& arguments) {
     if (const auto shell = arguments.value("--completions")) {
         const auto script = completions(*shell);
         if (!script) {
-            context.err << fmt::format("ravik help: there are completions for bash, zsh and fish, not for \"{}\"\n",
-                                       printable(*shell));
-            return wrongWords;
+            return refuseWords(
+                context, "help",
+                fmt::format("there are completions for bash, zsh and fish, not for \"{}\"", printable(*shell)));
         }
         context.out << *script;
         return done;

@@ -23,16 +23,15 @@ int runHistory(Context& context, const Arguments& arguments) {
     query.clock = context.now();
     const std::string span = arguments.value("--span").value_or("day");
     if (span != "day" && span != "week") {
-        context.err << fmt::format("ravik history: --span: expected day or week, not \"{}\"\n", printable(span));
-        return wrongWords;
+        return refuseWords(context, "history",
+                           fmt::format("--span: expected day or week, not \"{}\"", printable(span)));
     }
     if (span == "week") query.span = HistoryScreen::Span::week;
     if (const auto text = arguments.value("--now")) {
         query.now = parseNumber(*text);
         if (!query.now) {
-            context.err << fmt::format("ravik history: --now: expected seconds since 1970, not \"{}\"\n",
-                                       printable(*text));
-            return wrongWords;
+            return refuseWords(context, "history",
+                               fmt::format("--now: expected seconds since 1970, not \"{}\"", printable(*text)));
         }
     }
     const auto cache = arguments.value("--cache");
@@ -50,8 +49,8 @@ int runReport(Context& context, const Arguments& arguments) {
     const std::string today = Iso8601::localDay(context.now());
     const std::string day = arguments.value("--day").value_or(today);
     if (!Usage::isDay(day)) {
-        context.err << fmt::format("ravik report: --day: expected a date as {}, not \"{}\"\n", today, printable(day));
-        return wrongWords;
+        return refuseWords(context, "report",
+                           fmt::format("--day: expected a date as {}, not \"{}\"", today, printable(day)));
     }
     const auto folder = logFolder(context, arguments);
     if (const auto refusal = Usage::refusal(folder, day)) {

@@ -13,8 +13,7 @@ int runOpen(Context& context, const Arguments& arguments) {
         if (!parseDestination(*destination)) {
             std::string expected;
             for (const Destination each : allDestinations) expected += fmt::format(", {}", word(each));
-            context.err << fmt::format("ravik open: DESTINATION: expected one of {}\n", expected.substr(2));
-            return wrongWords;
+            return refuseWords(context, "open", "DESTINATION: expected one of " + expected.substr(2));
         }
         asked.action = "open";
         asked.parameter = *destination;

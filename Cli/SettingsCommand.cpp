@@ -114,8 +114,8 @@ int runSettingsSet(Context& context, const Arguments& arguments) {
         field.assign(limits, *value);
         return store(context, before, limits);
     }
-    context.err << fmt::format("ravik settings set: there is no \"{}\"; expected one of {}\n", printable(key), keys());
-    return wrongWords;
+    return refuseWords(context, "settings set",
+                       fmt::format("there is no \"{}\"; expected one of {}", printable(key), keys()));
 }
 
 int runSettingsReset(Context& context, const Arguments&) {

@@ -54,8 +54,8 @@ int runWatch(Context& context, const Arguments& arguments) {
     if (const auto text = arguments.value("--interval")) {
         interval = parseNumber(*text);
         if (!interval || *interval < shortest || *interval > longest) {
-            context.err << fmt::format("ravik watch: --interval: expected seconds, {} to {}\n", shortest, longest);
-            return wrongWords;
+            return refuseWords(context, "watch",
+                               fmt::format("--interval: expected seconds, {} to {}", shortest, longest));
         }
     } else if (const auto variable = context.computer.environment("TOLVANE_INTERVAL")) {
         interval = parseInterval(*variable);

@@ -26,7 +26,7 @@ TEST_F(OpenCommand, SaysWhatItExpects) {
         EXPECT_EQ(result.status, wrongWords);
         EXPECT_EQ(result.err,
                   "ravik open: DESTINATION: expected one of diagnosis, sessions, processes, disk, history, "
-                  "autopilot\n");
+                  "autopilot (see ravik help open)\n");
     }
     EXPECT_EQ(call({"open", "disk", "history"}).status, wrongWords);
     EXPECT_TRUE(machine.desktopApp.opened.empty());

@@ -42,6 +42,25 @@ TEST_F(ParserTest, WrongWordsGetOneLineThatSaysWhatIsExpected) {
 TEST_F(ParserTest, ARefusalNamesTheHelpOfItsCommand) {
     EXPECT_NE(call({"end"}).err.find("ravik help end"), std::string::npos);
     EXPECT_NE(call({"end"}).err.find("ravik end PID"), std::string::npos);
+    const std::vector<std::vector<std::string>> wrong{{"end", "x"},
+                                                      {"watch", "--interval", "0"},
+                                                      {"history", "--span", "month"},
+                                                      {"history", "--now", "x"},
+                                                      {"report", "--day", "x"},
+                                                      {"settings", "set", "x", "1"},
+                                                      {"open", "x"},
+                                                      {"disk", "--root", ""},
+                                                      {"feedback", "--into", ""},
+                                                      {"help", "--completions", "csh"},
+                                                      {"autopilot", "approve", "end"}};
+    for (const auto& words : wrong) {
+        std::string command = words[0];
+        if (words[1] == "set" || words[1] == "approve") command += " " + words[1];
+        const Result result = call(words);
+        EXPECT_EQ(result.status, wrongWords) << command;
+        EXPECT_TRUE(result.err.starts_with("ravik " + command + ": ")) << result.err;
+        EXPECT_TRUE(result.err.ends_with(" (see ravik help " + command + ")\n")) << result.err;
+    }
 }
 
 TEST_F(ParserTest, ARefusalCannotSteerTheTerminal) {
