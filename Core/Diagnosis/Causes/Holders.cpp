@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdint>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -12,7 +13,7 @@ namespace ravik::causes {
 namespace {
 
 constexpr std::size_t groupsLookedAt = 8;
-constexpr int earlyPoints = 5;  // speaks up before the memory limit itself is breached
+constexpr std::int64_t earlyPoints = 5;  // speaks up before the memory limit itself is breached
 
 bool memoryIsShort(const Pass& pass) {
     const SystemStats& stats = pass.snap.stats;

@@ -1,3 +1,5 @@
+#include <limits>
+
 #include <gtest/gtest.h>
 
 #include "Core/Diagnosis/Diagnoser.h"
@@ -53,6 +55,13 @@ TEST(HolderCause, SpeaksOnlyWhenMemoryIsShort) {
     EXPECT_TRUE(machine.ids().empty());
     machine.stats.swapOutBytesPerSec = 5.1 * 0x1p20;
     EXPECT_EQ(machine.ids(), (Ids{"thrash", "holder:App"}));
+}
+
+TEST(HolderCause, TheLargestLimitOnFreeMemoryStillMeansShort) {
+    Machine machine = pressed({Making(7, app).bytes(8 * GiB)});
+    machine.limits.memoryFreePct = std::numeric_limits<int>::max();
+    machine.stats.memoryFreePercent = 100;
+    EXPECT_EQ(machine.ids(), (Ids{"holder:App"}));
 }
 
 TEST(HolderCause, AnAppThatHoldsMuchIsAskedToQuit) {
