@@ -1,5 +1,6 @@
 #include "Core/Record/HistoryCache.h"
 
+#include <array>
 #include <charconv>
 #include <chrono>
 #include <cmath>
@@ -255,9 +256,15 @@ std::optional<DayAggregate> decode(std::string_view bytes) {
 }
 
 std::optional<DayAggregate> read(const std::filesystem::path& file) {
+    // Of a pipe or a device the end may never come, and a folder is none to read.
+    std::error_code failed;
+    if (!std::filesystem::is_regular_file(file, failed)) return {};
     std::ifstream in(file, std::ios::binary);
-    if (!in) return {};
-    const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    std::string bytes;
+    std::array<char, 1 << 16> block{};
+    while (in.read(block.data(), block.size()) || in.gcount() > 0) {
+        bytes.append(block.data(), static_cast<std::size_t>(in.gcount()));
+    }
     if (in.bad()) return {};
     return decode(bytes);
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include "Tests/Core/Record/LogFolder.h"
 
 namespace ravik {
@@ -160,6 +162,17 @@ TEST_F(HistoryStoreTest, ADamagedCacheIsReplaced) {
         EXPECT_EQ(samples(only()), 2) << damaged;
         EXPECT_EQ(LogFolder::get(folder.cacheFile()), whole);
     }
+}
+
+TEST_F(HistoryStoreTest, ACacheThatIsNoFileCountsAsAbsent) {
+    folder.append(tick(1) + tick(2));
+    std::filesystem::create_directories(folder.cacheFile());
+    EXPECT_EQ(samples(only()), 2);
+    EXPECT_EQ(samples(only()), 2);
+    std::filesystem::remove(folder.cacheFile());
+    ASSERT_EQ(mkfifo(folder.cacheFile().c_str(), 0600), 0);
+    EXPECT_EQ(samples(only()), 2);
+    EXPECT_TRUE(std::filesystem::is_regular_file(folder.cacheFile()));
 }
 
 TEST_F(HistoryStoreTest, ATruncatedLogIsReadAnew) {
