@@ -41,7 +41,7 @@ std::optional<std::string> line(const std::vector<DayAggregate>& days, Time now)
     std::vector<std::string> clauses;
     if (named > 0) clauses.push_back(Fmt::plural(named, "runaway") + " named");
     if (fixes > 0) clauses.push_back(fmt::format("{} {}", fixes, fixes == 1 ? "fix" : "fixes"));
-    if (mb >= 1) clauses.push_back(Fmt::amountText(static_cast<std::uint64_t>(mb) << 20) + " given back");
+    if (mb >= 1) clauses.push_back(Fmt::amountText(saturatingBytes(mb)) + " given back");
     if (clauses.empty()) return {};
     return fmt::format("This week: {}", fmt::join(clauses, " · "));
 }

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "Core/Base/Saturating.h"
 #include "Core/Wording/AppInfo.h"
 #include "Core/Wording/Fmt.h"
 #include "Core/Wording/LocalDate.h"
@@ -146,7 +147,7 @@ std::vector<EventRow> eventRows(std::span<const HistoryEvent* const> events) {
     for (auto at = events.rbegin(); at != events.rend(); ++at) {
         const HistoryEvent& event = **at;
         rows.push_back({AppInfo::dayMinute(event.at), event.what,
-                        event.mb >= 1 ? Fmt::mb(static_cast<std::uint64_t>(event.mb) << 20) : std::string(),
+                        event.mb >= 1 ? Fmt::mb(saturatingBytes(event.mb)) : std::string(),
                         event.survivors > 0 ? fmt::format("{} still running", event.survivors) : "all ended"});
     }
     return rows;

@@ -58,6 +58,11 @@ TEST_F(WeekProofTest, FixesAndWhatTheyGaveBack) {
     EXPECT_EQ(line(), "This week: 3 fixes · 2.0 GB given back");
 }
 
+TEST_F(WeekProofTest, WhatWasGivenBackStaysAtTheLargestSize) {
+    fix(on("2026-03-05"), now - 86400, std::int64_t{1} << 53);
+    EXPECT_EQ(line(), "This week: 1 fix · 17592186044.4 GB given back");
+}
+
 TEST_F(WeekProofTest, RunawaysAreCountedInEachDay) {
     on("2026-03-04").titles = {{"holder:Cursor", "Cursor grew to 4.1 GB in 7 min"},
                                {"holder:Slack", "Slack holds 3.0 GB"},
