@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace ravik {
@@ -19,9 +20,13 @@ void LogBytes::close() {
 bool LogBytes::open(const std::filesystem::path& file, std::uint64_t offset) {
     close();
     m_start = m_carry = 0;
-    // Never wait for the other end of a pipe that somebody has put into the folder.
+    // Somebody may have put a pipe into the folder, whose other end never comes, or a device, which has no end.
     m_fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (m_fd < 0) return false;
+    struct stat about {};
+    if (m_fd < 0 || ::fstat(m_fd, &about) != 0 || !S_ISREG(about.st_mode)) {
+        close();
+        return false;
+    }
     if (offset > 0) ::lseek(m_fd, static_cast<off_t>(offset), SEEK_SET);
     return true;
 }

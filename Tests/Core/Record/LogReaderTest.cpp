@@ -53,6 +53,12 @@ TEST_F(LogReaderTest, TheKindOfTheLineDecidesHoweverItIsWritten) {
     EXPECT_EQ(targets(), Names{"loose"});
 }
 
+TEST_F(LogReaderTest, ADeviceIsNoLog) {
+    folder.append("{\"kind\":\"shadowDecision\",\"target\":\"a\"}\n");
+    std::filesystem::create_symlink("/dev/zero", folder.logFile("2026-03-02"));
+    EXPECT_EQ(targets(), Names{"a"});
+}
+
 TEST_F(LogReaderTest, WhatIsNoObjectIsPassedOver) {
     folder.append(
         "[\"shadowDecision\"]\n\"shadowDecision\"\n{\"kind\":\"shadowDecision\"\nshadowDecision\n"
