@@ -25,7 +25,8 @@ inline std::optional<std::int64_t> whole(const Element& value) {
     if (value.get_int64().get(number) == simdjson::SUCCESS) return number;
     double fraction = 0;
     if (!value.is_double() || value.get_double().get(fraction) != simdjson::SUCCESS) return {};
-    if (fraction != std::trunc(fraction) || fraction < -0x1p63 || fraction >= 0x1p63) return {};
+    // At the limits themselves it may stand for a number beyond them.
+    if (fraction != std::trunc(fraction) || fraction <= -0x1p63 || fraction >= 0x1p63) return {};
     return static_cast<std::int64_t>(fraction);
 }
 

@@ -8,6 +8,7 @@
 #include "Core/Base/Saturating.h"
 #include "Core/Record/FindingLabel.h"
 #include "Core/Record/LineFields.h"
+#include "Core/Record/LineParser.h"
 #include "Core/Record/LogBytes.h"
 #include "Core/Record/QuickLine.h"
 #include "Core/Record/StampReader.h"
@@ -54,7 +55,7 @@ bool mayStillNeedAnAnswer(const LineFields& line) {
 }  // namespace
 
 struct LineFold::State {
-    simdjson::dom::parser parser;
+    LineParser parser;
     QuickLine quick;
     DayAggregate* day = nullptr;
 
@@ -94,7 +95,7 @@ void LineFold::apply(std::string_view line) {
         if (m_state->quick.read(line, quickKind)) return m_state->foldQuick(quickKind);
     }
     simdjson::dom::object object;
-    if (m_state->parser.parse(line.data(), line.size(), false).get_object().get(object) != simdjson::SUCCESS) return;
+    if (m_state->parser.parse(line).get_object().get(object) != simdjson::SUCCESS) return;
     m_state->fold(LineFields(object));
 }
 

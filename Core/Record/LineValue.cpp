@@ -27,7 +27,7 @@ std::optional<std::int64_t> whole(const nlohmann::json& line, std::string_view k
     if (!value || !value->is_number()) return {};
     if (value->is_number_float()) {
         const double number = value->get<double>();
-        if (number != std::trunc(number) || number < -0x1p63 || number >= 0x1p63) return {};
+        if (number != std::trunc(number) || number <= -0x1p63 || number >= 0x1p63) return {};
         return static_cast<std::int64_t>(number);
     }
     if (value->is_number_unsigned() &&

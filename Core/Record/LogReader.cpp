@@ -6,6 +6,7 @@
 
 #include "Core/Record/ByteSearch.h"
 #include "Core/Record/JsonValue.h"
+#include "Core/Record/LineParser.h"
 #include "Core/Record/LogBytes.h"
 #include "Core/Record/LogFiles.h"
 
@@ -40,20 +41,29 @@ nlohmann::json converted(const Element& value) {
     return nullptr;
 }
 
+/// Of two members of one name the last one counts, here as in the converted line.
+bool isOneOf(std::span<const std::string_view> kinds, const Element& line) {
+    simdjson::dom::object members;
+    if (line.get_object().get(members) != simdjson::SUCCESS) return false;
+    std::optional<std::string_view> kind;
+    for (const auto member : members) {
+        if (member.key == "kind") kind = JsonValue::text(member.value);
+    }
+    return kind && std::find(kinds.begin(), kinds.end(), *kind) != kinds.end();
+}
+
 }  // namespace
 
 void forEachLine(const std::filesystem::path& folder, std::span<const std::string_view> kinds, const Days& days,
                  const std::function<void(const nlohmann::json&)>& each) {
     LogBytes bytes;
-    simdjson::dom::parser parser;
+    LineParser parser;
     const auto deliver = [&](std::string_view block) {
         WordLines lines(block, kinds);
         for (std::string_view line = lines.next(); line.data(); line = lines.next()) {
             Element parsed;
-            if (parser.parse(line.data(), line.size(), false).get(parsed) != simdjson::SUCCESS) continue;
-            std::string_view kind;
-            if (!parsed.is_object() || parsed["kind"].get_string().get(kind) != simdjson::SUCCESS) continue;
-            if (std::find(kinds.begin(), kinds.end(), kind) != kinds.end()) each(converted(parsed));
+            if (parser.parse(line).get(parsed) != simdjson::SUCCESS) continue;
+            if (isOneOf(kinds, parsed)) each(converted(parsed));
         }
     };
     for (const auto& file : logFiles(folder)) {

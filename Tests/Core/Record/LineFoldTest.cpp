@@ -256,6 +256,22 @@ TEST_F(LineFold, SumsStayAtTheirLimits) {
     EXPECT_EQ(day.events.at(0).mb, INT64_MAX);
 }
 
+TEST_F(LineFold, ANumberBeyond64BitsIsARealOne) {
+    apply(
+        "tick",
+        R"("swapGB":18446744073709551616,"memFreePct":-9223372036854775809,"load":2,"note":"\"98765432109876543210")");
+    EXPECT_EQ(bucket().samples, 1);
+    EXPECT_DOUBLE_EQ(bucket().swapMax, 18446744073709551616.0);
+    EXPECT_EQ(bucket().memFreeMin, 100);
+    EXPECT_DOUBLE_EQ(bucket().loadMax, 2);
+    apply("kill", R"("group":"x","mb":100000000000000000000,"pid":18446744073709551615)");
+    EXPECT_EQ(what(), "Ended x");
+    EXPECT_EQ(day.events.at(0).mb, 0);
+    apply("tick", R"("swapGB":018446744073709551616)");
+    apply("tick", R"("swapGB":18446744073709551616,"load":tru)");
+    EXPECT_EQ(bucket().samples, 1);
+}
+
 TEST_F(LineFold, PlainLinesAreReadLikeAllOthers) {
     const std::string plain =
         R"({"breaches":["swap","disk"],"diskFreeGB":80.15910359162008,"gpu":-1,"hogs":0,"kind":"tick","load":3.77,)"

@@ -53,6 +53,21 @@ TEST_F(LogReaderTest, TheKindOfTheLineDecidesHoweverItIsWritten) {
     EXPECT_EQ(targets(), Names{"loose"});
 }
 
+TEST_F(LogReaderTest, OfTwoKindsTheLastOneCounts) {
+    folder.append(
+        "{\"kind\":\"shadowDecision\",\"target\":\"first\",\"kind\":\"keep\"}\n"
+        "{\"kind\":\"keep\",\"target\":\"last\",\"kind\":\"shadowDecision\"}\n");
+    EXPECT_EQ(targets(), Names{"last"});
+}
+
+TEST_F(LogReaderTest, ANumberBeyond64BitsIsARealOne) {
+    folder.append("{\"kind\":\"shadowDecision\",\"target\":\"a\",\"gainMB\":18446744073709551616,\"pids\":2}\n");
+    const auto lines = LogReader::lines(folder.logs, kinds);
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0]["gainMB"], 18446744073709551616.0);
+    EXPECT_EQ(lines[0]["pids"], 2);
+}
+
 TEST_F(LogReaderTest, ADeviceIsNoLog) {
     folder.append("{\"kind\":\"shadowDecision\",\"target\":\"a\"}\n");
     std::filesystem::create_symlink("/dev/zero", folder.logFile("2026-03-02"));
