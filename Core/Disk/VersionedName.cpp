@@ -1,23 +1,27 @@
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <tuple>
 
+#include "Core/Diagnosis/Rx.h"
 #include "Core/Disk/DiskScanner.h"
 #include "Core/Disk/VersionedName.h"
 
 namespace ravik::DiskScanner {
 
 std::optional<VersionedName> VersionedName::parse(std::string_view name) {
-    const auto dash = name.rfind('-');
-    if (dash == std::string_view::npos || dash + 1 == name.size() || name.starts_with('.')) return {};
-    const std::string_view piece = name.substr(dash + 1);
-    if (piece.find_first_not_of("0123456789abcdef") != std::string_view::npos) return {};
+    static const Regex versionAtEnd("-[0-9a-f]+$", "-");
+    if (name.starts_with('.')) return {};
+    const auto match = versionAtEnd.find(name);
+    if (!match) return {};
+    const auto at = static_cast<std::size_t>(match->data() - name.data());
+    const std::string_view piece = name.substr(at + 1);
     std::int64_t version = -1;
     const auto [end, error] = std::from_chars(piece.data(), piece.data() + piece.size(), version);
     if (error != std::errc{} || end != piece.data() + piece.size()) version = -1;
-    return VersionedName{std::string(name.substr(0, dash)), version};
+    return VersionedName{std::string(name.substr(0, at)).append(piece.substr(match->size() - 1)), version};
 }
 
 std::vector<std::string> oldVersions(const std::vector<std::string>& names) {

@@ -7,7 +7,8 @@
 
 namespace ravik::DiskScanner {
 
-/// A folder name that ends in "-" and lower-case hexadecimal digits: "chromium-1140".
+/// A folder name with "-" and lower-case hexadecimal digits at its end: "chromium-1140". A line feed may follow them; it
+/// belongs to the family.
 struct VersionedName {
     std::string family;         // "chromium"
     std::int64_t version = -1;  // -1: the digits are no decimal number

@@ -1,7 +1,9 @@
 #include "Core/Screens/DiskModel.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
+#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
@@ -53,7 +55,8 @@ DiskScanner::IsRunning DiskModel::isRunning() const {
 }
 
 std::string DiskModel::whyNotListed(const std::string& path) const {
-    const auto folder = DiskScanner::resolved(path);
+    std::error_code error;
+    const auto folder = DiskScanner::resolved(std::filesystem::absolute(path, error));
     const auto* owner =
         folder ? DiskScanner::runningOwner(*folder, m_platform.folders.home, diskTables(m_kind).owners, isRunning())
                : nullptr;

@@ -92,6 +92,10 @@ TEST_F(DiskCommands, TheCacheOfABrowserThatRunsUnseenStays) {
     EXPECT_EQ(trash.status, couldNot);
     EXPECT_NE(trash.err.find("Firefox is running and may be using it. Quit Firefox first; nothing was changed.\n"),
               std::string::npos);
+    const std::string seenFromHere = fs::relative(firefox).string() + "/";
+    EXPECT_NE(call({"disk", "trash", "--yes", seenFromHere})
+                  .err.find("Firefox is running and may be using it. Quit Firefox first; nothing was changed.\n"),
+              std::string::npos);
     EXPECT_TRUE(machine.trash.moved.empty());
 }
 

@@ -42,6 +42,12 @@ TEST(OldVersions, OtherNamesAreLeftAlone) {
                 IsEmpty());
 }
 
+TEST(OldVersions, ALineFeedBehindTheDigitsMakesAFamilyOfItsOwn) {
+    EXPECT_THAT(oldVersions({"chromium-9\n", "chromium-10\n", "chromium-1", "chromium-1\n\n", "chromium-0\n\n"}),
+                ElementsAre("chromium-10\n"));
+    EXPECT_THAT(oldVersions({"\xff-2", "\xff-1", "\xfe-3"}), ElementsAre("\xff-1"));
+}
+
 TEST(OldVersions, OnlyTheLastPieceIsTheVersion) {
     EXPECT_THAT(oldVersions({"chromium-headless-5", "chromium-6", "chromium-headless-7"}),
                 ElementsAre("chromium-headless-5"));
