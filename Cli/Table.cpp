@@ -29,6 +29,8 @@ std::size_t scalar(std::string_view text, char32_t& code) {
         if ((next & 0xC0) != 0x80) return 0;
         code = (code << 6) | (next & 0x3F);
     }
+    static constexpr char32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (code < smallest[length] || (code >= 0xD800 && code < 0xE000) || code > 0x10FFFF) return 0;
     return length;
 }
 

@@ -34,4 +34,12 @@ TEST(Table, WideLettersTakeTwoCells) {
     EXPECT_EQ(table.render(14), "日本  x\nabcd  日本日…\n");
 }
 
+TEST(Printable, BytesThatAreNoUtf8AreWrittenOut) {
+    EXPECT_EQ(printable("!\xff!"), "!\\xff!");
+    EXPECT_EQ(printable("\xed\xa0\x80"), "\\xed\\xa0\\x80");
+    EXPECT_EQ(printable("\xf4\x90\x80\x80"), "\\xf4\\x90\\x80\\x80");
+    EXPECT_EQ(printable("\xe0\x82\x9b"), "\\xe0\\x82\\x9b");
+    EXPECT_EQ(printable("\xf4\x8f\xbf\xbf\xed\x9f\xbf\xee\x80\x80"), "\xf4\x8f\xbf\xbf\xed\x9f\xbf\xee\x80\x80");
+}
+
 }  // namespace ravik::cli
