@@ -12,7 +12,8 @@ endfunction()
 
 # ravik_test(TARGET FOLDER [FORKS] [LINK LIBRARY...]): one test program of all sources below FOLDER. Each case is a ctest
 # entry; under a sanitizer, whose start takes longer than most cases, each program is a few entries that share its cases.
-# FORKS: its cases fork, which the thread sanitizer allows only where no thread has run before.
+# FORKS: its cases fork, which the thread sanitizer allows only where no thread has run before, or wait for programs that
+# they start: there each case is an entry under a sanitizer as well.
 function(ravik_test target folder)
   cmake_parse_arguments(TEST "FORKS" "" "LINK" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
@@ -33,8 +34,9 @@ function(ravik_test target folder)
 
   target_compile_options(${target} PRIVATE -O0)
   string(REGEX REPLACE ",.*" "" sanitizer ${RAVIK_SANITIZE})
-  if(TEST_FORKS AND sanitizer STREQUAL "thread")
-    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES TEST_PREFIX thread. PROPERTIES TIMEOUT 300)
+  if(TEST_FORKS)
+    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES TEST_PREFIX ${sanitizer}.
+                         PROPERTIES TIMEOUT 300)
     return()
   endif()
   set(shards 4)

@@ -2,7 +2,7 @@
 
 extern "C" {
 
-const char* __asan_default_options() { return "detect_stack_use_after_return=1:strict_string_checks=1"; }
+const char* __asan_default_options() { return "detect_stack_use_after_return=1"; }
 
 const char* __ubsan_default_options() { return "print_stacktrace=1"; }
 
