@@ -7,10 +7,8 @@
 #include "App/StatusBarController.h"
 #include "App/Views/ActivationToken.h"
 #include "App/Views/Tokens.h"
-#include "Core/Diagnosis/Classifier.h"
-#include "Core/Diagnosis/Rx.h"
+#include "Core/Watch/Composition.h"
 #include "Platform/Compositor.h"
-#include "Platform/Computer.h"
 
 namespace {
 
@@ -56,23 +54,9 @@ int main(int argc, char** argv) {
     chooseRendering();
 
     Host host;
-    CoreRules rules;
-    rules.groupOf = [&host](const Proc& proc) { return Classifier::group(proc, host); };
-    rules.isToolHelper = [](std::string_view command) {
-        return Rx::agentLeftover().matches(command) || Rx::automationProfile().matches(command);
-    };
-    const auto computer = makeComputer(std::move(rules), "Ravik");
-    host.kind = computer->isMac() ? HostKind::mac : HostKind::linux;
-    host.uid = computer->uid();
-    host.pid = computer->pid();
-    const Platform& platform = computer->platform();
-    const Clock& clock = platform.clock;
-    Log log({.folder = platform.folders.log,
-             .formerFolder = platform.folders.formerLog,
-             .now = [&clock] { return clock.now(); },
-             .session = Log::newSession(),
-             .enabled = !computer->environment("XCTestConfigurationFilePath"),
-             .createdAt = creationDate});
+    const auto computer = makeComputer(coreRules(host), "Ravik");
+    host = hostOf(*computer);
+    Log log(logOptions(*computer, creationDate));
 
     app::Tokens::instance().setCompositor(isComposited);
     app::StatusBarController controller(*computer, log, host);
