@@ -61,13 +61,6 @@ protected:
         EXPECT_EQ(line["pids"], 1);
         return true;
     }
-    /// Nothing has been done by it for half an hour, as far as the app has seen.
-    void beIdle(Pid pid, LaterClock& clock) {
-        ASSERT_TRUE(waitUntil([&] { return stateOf(pid) == 'S'; }));
-        const std::size_t seen = home.logLines("tick").size();
-        ASSERT_TRUE(waitUntil([&] { return home.logLines("tick").size() >= seen + 3; }, 20));
-        clock.advance(31 * 60);
-    }
     void expectLetGo(const char* action) {
         const auto lines = home.logLines("autopilotRelease");
         ASSERT_THAT(lines, SizeIs(1));
@@ -78,21 +71,41 @@ protected:
     }
 };
 
-class Pause : public Holding, public testing::WithParamInterface<End> {};
+/// The app has paused a program that does nothing, on a computer short of memory.
+class Pausing : public Holding {
+protected:
+    void pause() {
+        home.store({{"autopilotApproved", Json::array({"pause"})}});
+        painter = start({"setsid", home.idle("painter")}, {"RAVIK_TEST_HOLDS=300"});
+        showTray(Tray::trayer);
+        startApp({"TOLVANE_INTERVAL=1"});
+        icon();
+        beIdle();
+        ASSERT_TRUE(holds("pause"));
+        ASSERT_TRUE(waitUntil([&] { return stateOf(painter) == 'T'; }));
+    }
+
+    Pid painter = 0;
+
+private:
+    /// Nothing has been done by it for half an hour, as far as the app has seen.
+    void beIdle() {
+        ASSERT_TRUE(waitUntil([&] { return stateOf(painter) == 'S'; }));
+        const std::size_t seen = home.logLines("tick").size();
+        ASSERT_TRUE(waitUntil([&] { return home.logLines("tick").size() >= seen + 3; }, 20));
+        m_clock.advance(31 * 60);
+    }
+
+    const KernelFile m_memory{"/proc/meminfo", shortMemory(10)};
+    LaterClock m_clock{home};
+};
+
+class Pause : public Pausing, public testing::WithParamInterface<End> {};
 
 INSTANTIATE_TEST_SUITE_P(Desktop, Pause, testing::Values(End::signal, End::menu, End::panel, End::screen), nameOf);
 
 TEST_P(Pause, IsUndoneWhenTheAppEnds) {
-    const KernelFile memory("/proc/meminfo", shortMemory(10));
-    LaterClock clock(home);
-    home.store({{"autopilotApproved", Json::array({"pause"})}});
-    const Pid painter = start({"setsid", home.idle("painter")}, {"RAVIK_TEST_HOLDS=300"});
-    showTray(Tray::trayer);
-    startApp({"TOLVANE_INTERVAL=1"});
-    icon();
-    beIdle(painter, clock);
-    ASSERT_TRUE(holds("pause"));
-    ASSERT_TRUE(waitUntil([&] { return stateOf(painter) == 'T'; }));
+    ASSERT_NO_FATAL_FAILURE(pause());
     endApp(GetParam());
     EXPECT_TRUE(waitUntil([&] { return stateOf(painter) == 'S'; }));
     expectLetGo("pause");
@@ -167,17 +180,8 @@ TEST_F(Holding, AFixUnderWayGoesToItsEndFirst) {
     EXPECT_THAT(home.logLines("fixAll"), SizeIs(1));
 }
 
-TEST_F(Holding, ACrashOfTheAppIsMadeGoodByTheNextStart) {
-    const KernelFile memory("/proc/meminfo", shortMemory(10));
-    LaterClock clock(home);
-    home.store({{"autopilotApproved", Json::array({"pause"})}});
-    const Pid painter = start({"setsid", home.idle("painter")}, {"RAVIK_TEST_HOLDS=300"});
-    showTray(Tray::trayer);
-    startApp({"TOLVANE_INTERVAL=1"});
-    icon();
-    beIdle(painter, clock);
-    ASSERT_TRUE(holds("pause"));
-    ASSERT_TRUE(waitUntil([&] { return stateOf(painter) == 'T'; }));
+TEST_F(Pausing, ACrashOfTheAppIsMadeGoodByTheNextStart) {
+    ASSERT_NO_FATAL_FAILURE(pause());
     app->signal(SIGKILL);
     app->finish();
     EXPECT_EQ(stateOf(painter), 'T');
