@@ -19,7 +19,7 @@
 namespace ravik::pictures {
 namespace {
 
-/// Of the screen around a window, so that its edge is seen.
+/// Of the screen around a window and its frame, so that its edge is seen.
 constexpr int margin = 8;
 
 int takeOne(const std::string& file) {
@@ -28,7 +28,7 @@ int takeOne(const std::string& file) {
         std::fprintf(stderr, "%s: no window\n", file.c_str());
         return 1;
     }
-    const QRect area = window->geometry().adjusted(-margin, -margin, margin, margin);
+    const QRect area = window->frameGeometry().adjusted(-margin, -margin, margin, margin);
     const QImage image = window->screen()->grabWindow(0, area.x(), area.y(), area.width(), area.height()).toImage();
     constexpr int smallest = 100;  // percent of the time that packing may take
     return paletted(image).save(QString::fromStdString(file), "PNG", 100 - smallest) ? 0 : 1;
