@@ -91,14 +91,15 @@ TEST_F(X11Workspace, ListsTheOwnersOfWindows) {
 TEST_F(X11Workspace, FollowsTheFocus) {
     std::vector<std::string> heard;
     workspace->onActivation([&](const std::string& group) { heard.push_back(group); });
+    const auto hears = [&](Pid pid) {
+        return comesToFront(pid) && turnUntil([&] { return !heard.empty() && heard.back() == name(pid); });
+    };
     const Pid first = open(OnClose::quit);
-    ASSERT_TRUE(comesToFront(first));
+    ASSERT_TRUE(hears(first));
     const Pid second = open(OnClose::quit);
-    ASSERT_TRUE(comesToFront(second));
-    ASSERT_TRUE(turnUntil([&] { return !heard.empty() && heard.back() == name(second); }));
+    ASSERT_TRUE(hears(second));
     reaper.end(second);
-    EXPECT_TRUE(comesToFront(first));
-    EXPECT_TRUE(turnUntil([&] { return heard.back() == name(first); }));
+    EXPECT_TRUE(hears(first));
     EXPECT_THAT(heard, testing::ElementsAre(name(first), name(second), name(first)));
 }
 
