@@ -26,10 +26,10 @@ std::string usage(const Command& command) {
     std::string line = "ravik " + std::string(command.name);
     for (const Option& option : command.options) {
         std::string word(option.name);
-        if (!option.isPositional() && !option.value.empty()) word += " " + std::string(option.value);
-        if (!option.required) word = "[" + word + "]";
+        if (!option.isPositional() && !option.value.empty()) word.append(" ").append(option.value);
+        if (!option.required) word = fmt::format("[{}]", word);
         if (option.repeated) word += "...";
-        line += " " + word;
+        line.append(" ").append(word);
     }
     return line;
 }

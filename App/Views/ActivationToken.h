@@ -19,7 +19,7 @@ public:
 
     /// The token of whoever started this process, taken out of its environment.
     static QByteArray taken() {
-        const QByteArray token = qgetenv(variable);
+        QByteArray token = qgetenv(variable);
         qunsetenv(variable);
         return token;
     }

@@ -19,7 +19,10 @@ void paintHatch(QPainter* painter, const QRectF& area) {
     painter->fillRect(area, tokens.tolvaneData());
     painter->setPen(QPen(tokens.tolvaneSignalFill(), stripe, Qt::SolidLine, Qt::FlatCap));
     const qreal step = pitch * M_SQRT2;
-    for (qreal x = area.left() - area.height(); x < area.right() + step; x += step) {
+    const qreal first = area.left() - area.height();
+    const int last = static_cast<int>((area.right() - first) / step) + 1;
+    for (int i = 0; i <= last; ++i) {
+        const qreal x = first + i * step;
         painter->drawLine(QPointF(x, area.bottom()), QPointF(x + area.height(), area.top()));
     }
     painter->restore();

@@ -50,7 +50,7 @@ std::vector<bool> longestRising(const Places& values) {
 
 void addMoves(Places rows, std::vector<ListEdit>& edits) {
     const auto stays = longestRising(rows);
-    std::vector<bool> settled(rows.size() ? *std::max_element(rows.begin(), rows.end()) + 1 : 0);
+    std::vector<bool> settled(rows.empty() ? 0 : *std::max_element(rows.begin(), rows.end()) + 1);
     Places moving;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         if (stays[i]) {

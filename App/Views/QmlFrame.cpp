@@ -6,7 +6,7 @@
 #include <QScreen>
 #include <QtDebug>
 
-void qml_register_types_Ravik();
+void qml_register_types_Ravik();  // NOLINT(readability-identifier-naming): generated
 
 namespace ravik::app {
 

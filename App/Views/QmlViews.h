@@ -14,7 +14,7 @@
 namespace ravik::app {
 
 /// The windows in Qt Quick.
-class QmlViews : public Views {
+class QmlViews final : public Views {
 public:
     /// `program` may still be incomplete; it is read when a window opens.
     explicit QmlViews(const Program& program);

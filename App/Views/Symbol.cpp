@@ -43,7 +43,7 @@ QImage Symbol::image(const QString& name, const QColor& color, int pixels) {
     static QCache<Key, QImage> images(kept);
     const Key key{name, color.rgba(), pixels};
     if (const QImage* found = images.object(key)) return *found;
-    const QImage drawn = draw(name, color, qMax(1, pixels));
+    QImage drawn = draw(name, color, qMax(1, pixels));
     images.insert(key, new QImage(drawn));
     return drawn;
 }

@@ -88,9 +88,9 @@ void Tokens::readColours() {
     const QPalette desktop = QGuiApplication::palette();
     const bool wasDark = m_scheme.dark;
     m_scheme.dark = m_dark.value_or(app::isDark(desktop));
-    Colours now = colours(m_scheme, desktop);
+    const Colours now = colours(m_scheme, desktop);
     if (now == m_colours && wasDark == m_scheme.dark) return;
-    m_colours = std::move(now);
+    m_colours = now;
     Q_EMIT coloursChanged();
 }
 

@@ -10,7 +10,8 @@ namespace tone {
 Q_NAMESPACE
 QML_NAMED_ELEMENT(Tone)
 
-enum class Value { Safe, Caution, Never, Advice };
+// QML knows none that begins in lower case.
+enum class Value { Safe, Caution, Never, Advice };  // NOLINT(readability-identifier-naming)
 Q_ENUM_NS(Value)
 }  // namespace tone
 
