@@ -123,7 +123,7 @@ Task<EndResult> Monitor::apply(Finding finding, bool cautionConfirmed, std::shar
         const auto work = [before, pids = meant, cautionConfirmed, host = m_host, &platform = m_platform] {
             return end(pids, before->processes, cautionConfirmed, host, platform.processes, platform.signals);
         };
-        Callback<EndResult> beside([&loop = m_platform.loop, work](Callback<EndResult>::Resume resume) {
+        Callback<EndResult> beside([&loop = m_platform.loop, work](const Callback<EndResult>::Resume& resume) {
             loop.background([&loop, work, resume] { loop.post([resume, ended = work()] { resume(ended); }); });
         });
         result = co_await beside;
@@ -139,11 +139,11 @@ Task<EndResult> Monitor::apply(Finding finding, bool cautionConfirmed, std::shar
     co_return result;
 }
 
-EndResult Monitor::kill(Pid pid, bool cautionConfirmed, std::shared_ptr<const Snapshot> asked) {
+EndResult Monitor::kill(Pid pid, bool cautionConfirmed, const std::shared_ptr<const Snapshot>& asked) {
     const auto before = m_snapshot;
     const ProcessIndex index(before->processes);
     const Pids meant = asked ? stillMeant({pid}, *asked, *before) : Pids{pid};
-    const EndResult result =
+    EndResult result =
         end(meant, before->processes, cautionConfirmed, m_host, m_platform.processes, m_platform.signals);
 
     const Proc* proc = index.find(pid);

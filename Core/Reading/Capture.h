@@ -38,7 +38,7 @@ struct CaptureResult {
 
 /// Reads a capture strictly: a wrong type or a missing key refuses it all. Unknown keys are passed over. `machine`
 /// stands where the capture does not say whose tables apply. Any bytes may be given.
-CaptureResult readCapture(std::string_view json, HostKind machine);
+CaptureResult readCapture(std::string_view text, HostKind machine);
 
 /// The same from a stream, which an error calls `name`. Of 1 GiB at most.
 CaptureResult readCaptureStream(std::istream& stream, const std::string& name, HostKind machine);

@@ -37,12 +37,13 @@ public:
     void text(std::string_view value) {
         bytes += '"';
         for (const char byte : value) {
-            if (byte == '"' || byte == '\\')
+            if (byte == '"' || byte == '\\') {
                 (bytes += '\\') += byte;
-            else if (static_cast<unsigned char>(byte) < 0x20)
+            } else if (static_cast<unsigned char>(byte) < 0x20) {
                 fmt::format_to(std::back_inserter(bytes), "\\u{:04x}", byte);
-            else
+            } else {
                 bytes += byte;
+            }
         }
         bytes += '"';
     }
@@ -98,10 +99,11 @@ public:
             m_complete = false;
             return;
         }
-        if (auto read = how(value))
+        if (auto read = how(value)) {
             into = std::move(*read);
-        else
+        } else {
             m_complete = false;
+        }
     }
     void take(std::string_view key, std::int64_t& into) { take(key, into, JsonValue::whole); }
     void take(std::string_view key, double& into) { take(key, into, JsonValue::real); }

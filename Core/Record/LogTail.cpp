@@ -11,7 +11,7 @@ constexpr std::size_t chunkBytes = 1 << 20;
 
 }  // namespace
 
-LogTail::LogTail(std::filesystem::path folder, std::vector<std::string> kinds) : m_folder(std::move(folder)) {
+LogTail::LogTail(std::filesystem::path folder, const std::vector<std::string>& kinds) : m_folder(std::move(folder)) {
     for (const std::string& kind : kinds) m_marks.push_back("\"kind\":\"" + kind + "\"");
 }
 

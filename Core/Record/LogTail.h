@@ -14,7 +14,7 @@ namespace ravik {
 class LogTail {
 public:
     /// With `kinds`, only lines of these; else all.
-    LogTail(std::filesystem::path folder, std::vector<std::string> kinds);
+    LogTail(std::filesystem::path folder, const std::vector<std::string>& kinds);
 
     /// Calls back with every whole line, its line feed left out, that was not given before. A line without its line
     /// feed waits for it. A file that has become shorter is read anew.

@@ -31,24 +31,25 @@ public:
         if (!line.is_object()) return;
         const auto kind = LineValue::text(line, "kind");
         if (!kind) return;
-        if (*kind == "tick")
+        if (*kind == "tick") {
             tick(line);
-        else if (*kind == "finding")
+        } else if (*kind == "finding") {
             ++m_findings[kindOf(line, "id")];
-        else if (*kind == "remedy")
+        } else if (*kind == "remedy") {
             remedy(line);
-        else if (*kind == "fixAll")
+        } else if (*kind == "fixAll") {
             ++m_counts[LineValue::boolean(line, "cancelled") == true ? "freeCancelled" : "free"];
-        else if (*kind == "window")
+        } else if (*kind == "window") {
             open(line);
-        else if (*kind == "notifications")
+        } else if (*kind == "notifications") {
             m_alertsAllowed = !LineValue::boolean(line, "denied").value_or(false);
-        else if (*kind == "shadowDecision")
+        } else if (*kind == "shadowDecision") {
             shadow(line, "decided");
-        else if (*kind == "shadowOutcome")
+        } else if (*kind == "shadowOutcome") {
             shadow(line, isRegret(line) ? "regret" : "held");
-        else
+        } else {
             ++m_counts[*kind];
+        }
     }
 
     nlohmann::json report(std::string_view day, const About& about) const {

@@ -82,10 +82,11 @@ std::vector<RuleRow> ruleRows(const ShadowRecord& record, const Approved& approv
         RuleRow row{rule.action, std::string(name(rule.action)), approved.contains(rule.action), false,
                     status(standing)};
         row.isEnabled = row.isOn || (possible && isReady(standing));
-        if (row.isOn)
+        if (row.isOn) {
             row.caption = "On — undoable for 10 minutes";
-        else if (rule.action == Action::end)
+        } else if (rule.action == Action::end) {
             row.caption = "Stays a suggestion: ending cannot be undone";
+        }
         rows.push_back(std::move(row));
     }
     return rows;

@@ -35,7 +35,7 @@ struct ReadoutFace {
 
     /// Pending.
     ReadoutFace();
-    ReadoutFace(std::string value, std::string unit, State state);
+    ReadoutFace(std::string figure, std::string unitOfIt, State of);
     /// An amount of memory: "4.6", "GB".
     static ReadoutFace amount(std::uint64_t bytes, State state = State::live);
 
@@ -65,7 +65,7 @@ struct VerdictFace {
 
     VerdictFace() = default;
     /// `word` replaces the tone's own. `onAmber`: on a background of increased prominence.
-    explicit VerdictFace(Tone tone, std::optional<std::string> word = {}, bool onAmber = false);
+    explicit VerdictFace(Tone tone, std::optional<std::string> instead = {}, bool onAmber = false);
 
     /// "Verdict: asks first": the whole mark, for those who hear the screen.
     std::string spoken() const;

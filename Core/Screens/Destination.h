@@ -19,7 +19,7 @@ std::string_view title(Destination destination);
 std::string_view symbol(Destination destination);
 /// The digit of its shortcut: its place in the sidebar, from 1.
 constexpr int key(Destination destination) { return static_cast<int>(destination) + 1; }
-std::optional<Destination> parseDestination(std::string_view word);
+std::optional<Destination> parseDestination(std::string_view text);
 /// The screen that another start of the app asks for: "open" with its word, or the word itself, as the actions of the
 /// desktop entry are named. Absent for everything else.
 std::optional<Destination> requestedDestination(std::string_view action, std::string_view parameter);

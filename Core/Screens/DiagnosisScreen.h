@@ -107,6 +107,6 @@ struct DiagnosisScreen {
 
 /// "Cards", "Map": as it is stored and as the user reads it.
 std::string_view word(DiagnosisState::Mode mode);
-std::optional<DiagnosisState::Mode> parseDiagnosisMode(std::string_view word);
+std::optional<DiagnosisState::Mode> parseDiagnosisMode(std::string_view text);
 
 }  // namespace ravik

@@ -58,8 +58,8 @@ struct EvidenceScreen {
     std::string accessible;
 
     EvidenceScreen() = default;
-    /// Of the finding with this id in the reading. `keepFailed`: the last attempt to keep it could not be stored.
-    EvidenceScreen(const std::string& id, const ScreenInput& input, bool keepFailed = false);
+    /// Of the finding with that id in the reading. `keepFailed`: the last attempt to keep it could not be stored.
+    EvidenceScreen(const std::string& of, const ScreenInput& input, bool keepFailed = false);
 
     /// The full command line that keeping this finding's subject stores; absent where it cannot be kept.
     static std::optional<std::string> keepCommand(const Finding& finding, const ProcessIndex& index);

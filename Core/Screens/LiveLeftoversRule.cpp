@@ -10,7 +10,8 @@ void setOn(Thresholds& limits, bool on, Log& log) {
 }
 
 bool setHours(Thresholds& limits, double hours) {
-    if (!(lowestHours <= hours && hours <= highestHours)) return false;
+    const bool isWithin = lowestHours <= hours && hours <= highestHours;  // not for a NaN
+    if (!isWithin) return false;
     limits.autoLeftoverMinHours = hours;
     return true;
 }

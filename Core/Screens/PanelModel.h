@@ -34,20 +34,21 @@ public:
     // What a button does. Each names what it is about by the id on the screen and acts on what the Monitor says of it
     // now; what is no longer there, or is already under way, is left alone. While a question stands, no other is asked.
 
-    /// The button of a finding's row.
-    void run(const std::string& finding);
+    /// The button of the row of the finding with this id.
+    void run(const std::string& id);
     void free();
-    /// The button "Keep This One Running".
-    void keep(const std::string& finding);
+    /// The button "Keep This One Running" of the same.
+    void keep(const std::string& id);
     void undo(std::uint64_t live);
-    void accept(const std::string& suggestion);
-    void dismiss(const std::string& suggestion);
+    /// The suggestion with this id.
+    void accept(const std::string& id);
+    void dismiss(const std::string& id);
     void sendFeedback();
 
     /// While the user points at the rows, those there keep their places.
     void holdRows(bool hold);
-    /// The pointer comes on the row of this finding, or leaves it. Holds from the next reading on.
-    void pointAt(const std::string& finding, bool isOver);
+    /// The pointer comes on the row of the finding with this id, or leaves it. Holds from the next reading on.
+    void pointAt(const std::string& id, bool isOver);
 
 private:
     struct State;

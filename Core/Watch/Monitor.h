@@ -125,7 +125,7 @@ public:
     /// about: a pid that has become another process's since is left alone, as one whose process has gone.
     Task<EndResult> apply(Finding finding, bool cautionConfirmed, std::shared_ptr<const Snapshot> asked = {});
     /// Ends one process picked by hand with its tree, and logs it. Blocks for the grace period.
-    EndResult kill(Pid pid, bool cautionConfirmed, std::shared_ptr<const Snapshot> asked = {});
+    EndResult kill(Pid pid, bool cautionConfirmed, const std::shared_ptr<const Snapshot>& asked = {});
     /// The gate and the signals, nothing else. All trees are judged as one before the first signal. Any thread.
     static EndResult end(const Pids& pids, const std::vector<Proc>& procs, bool cautionConfirmed, const Host& host,
                          const ProcessTable& table, const Signals& signals);
@@ -147,8 +147,8 @@ public:
     void releaseAllLive();
     /// Lets go of a program the moment it comes to the front, and of what an earlier run left in force now.
     void watchFocus();
-    void acceptSuggestion(const Decision& decision, Time now);
-    void dismissSuggestion(const Decision& decision, Time now);
+    void acceptSuggestion(const Decision& suggestion, Time now);
+    void dismissSuggestion(const Decision& suggestion, Time now);
 
     /// Asks the desktop whether notifications are switched off.
     void checkNotifications();

@@ -14,7 +14,7 @@ namespace {
 using Sections = std::vector<std::pair<std::string, std::string>>;
 
 std::string about(const Snapshot& snapshot, const Host& host) {
-    const std::string logs = fmt::format("Logs stay on this {}.", host.nouns().machine);
+    std::string logs = fmt::format("Logs stay on this {}.", host.nouns().machine);
     const auto own = std::ranges::find(snapshot.processes, host.pid, &Proc::id);
     if (own == snapshot.processes.end()) return logs;
     return fmt::format("{} of memory, {:.1f}% CPU. Read at {}. {}", Fmt::mb(own->footprintBytes), own->cpuPercent,

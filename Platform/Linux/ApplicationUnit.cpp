@@ -48,7 +48,7 @@ std::vector<std::string> idsEndingWith(const std::vector<std::string_view>& part
     std::vector<std::string> ids;
     std::string id;
     for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
-        id = id.empty() ? unescapeUnit(*part) : unescapeUnit(*part) + "-" + id;
+        id.insert(0, id.empty() ? unescapeUnit(*part) : unescapeUnit(*part).append("-"));
         if (!id.empty()) ids.push_back(id);
     }
     return ids;

@@ -62,10 +62,11 @@ std::string_view path(std::string_view text) {
         const std::string_view controllers = line.substr(first + 1, second - first - 1);
         const std::string_view group = cut(line.substr(second + 1));
         if (!group.starts_with('/')) continue;
-        if (controllers.empty())
+        if (controllers.empty()) {
             unified = group;
-        else if (controllers == "name=systemd")
+        } else if (controllers == "name=systemd") {
             systemd = group;
+        }
         if (group.size() > longest.size()) longest = group;
     }
     if (unified.size() > 1) return unified;

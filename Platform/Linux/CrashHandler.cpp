@@ -130,7 +130,10 @@ void handle(int number, siginfo_t* info, void*) {
     pid_t reporting = 0;
     const pid_t self = thisThread();
     if (!prepared.reporting.compare_exchange_strong(reporting, self)) {
-        while (reporting != self) pause();
+        // Another thread reports: it ends the process.
+        if (reporting != self) {
+            for (;;) pause();
+        }
         // Reporting has crashed in turn. What ends the process is still the first signal.
         restore(prepared.signal);
         sigset_t only;

@@ -76,12 +76,13 @@ void takeFlatpak(LaunchTarget& target) {
     constexpr std::string_view command = "--command=";
     bool runs = false;
     for (const std::string& word : target.arguments) {
-        if (word.starts_with(command))
+        if (word.starts_with(command)) {
             target.flatpakCommand = word.substr(command.size());
-        else if (word == "run" && !runs)
+        } else if (word == "run" && !runs) {
             runs = true;
-        else if (runs && !word.starts_with('-') && target.flatpak.empty())
+        } else if (runs && !word.starts_with('-') && target.flatpak.empty()) {
             target.flatpak = word;
+        }
     }
 }
 
@@ -111,24 +112,25 @@ std::optional<DesktopEntry> parseDesktopEntry(std::string_view text, std::string
         if (!isEntryGroup || equals == std::string_view::npos) continue;
         const std::string_view key = trimmed(line.substr(0, equals));
         const std::string value = unescaped(trimmed(line.substr(equals + 1)));
-        if (key == "Type")
+        if (key == "Type") {
             isApplication = value == "Application";
-        else if (key == "Name")
+        } else if (key == "Name") {
             entry.name = repairedUtf8(value);
-        else if (key == "Exec")
+        } else if (key == "Exec") {
             entry.exec = value;
-        else if (key == "TryExec")
+        } else if (key == "TryExec") {
             entry.tryExec = value;
-        else if (key == "Categories")
+        } else if (key == "Categories") {
             entry.categories = splitList(value);
-        else if (key == "Hidden")
+        } else if (key == "Hidden") {
             entry.isHidden = value == "true";
-        else if (key == "NoDisplay")
+        } else if (key == "NoDisplay") {
             entry.isDisplayed = value != "true";
-        else if (key == "X-Flatpak")
+        } else if (key == "X-Flatpak") {
             entry.flatpak = value;
-        else if (key == "X-SnapInstanceName")
+        } else if (key == "X-SnapInstanceName") {
             entry.snap = value;
+        }
     }
     if (!entry.isHidden && (!isApplication || entry.name.empty())) return {};
     return entry;

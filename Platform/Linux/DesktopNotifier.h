@@ -41,9 +41,9 @@ private:
     void sent(std::uint32_t id);
     void hear(std::string_view signal, GVariant* parameters);
     static void onSignal(GDBusConnection*, const char* sender, const char* path, const char* interface,
-                         const char* signal, GVariant* parameters, void* self);
+                         const char* signal, GVariant* parameters, void* data);
     static void onOwner(GDBusConnection*, const char* sender, const char* path, const char* interface,
-                        const char* signal, GVariant* parameters, void* self);
+                        const char* signal, GVariant* parameters, void* data);
 
     std::string m_address;
     NotificationSwitch m_isOff;

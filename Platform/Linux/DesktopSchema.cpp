@@ -93,7 +93,7 @@ private:
 }  // namespace
 
 std::unique_ptr<LookSource> openDesktopSchema(std::function<void()> changed) {
-    auto schema = std::make_unique<DesktopSchema>(changed);
+    auto schema = std::make_unique<DesktopSchema>(std::move(changed));
     if (!schema->isInstalled()) return nullptr;
     return schema;
 }

@@ -37,7 +37,7 @@ namespace {
 
 /// This computer, put together out of its parts. The loop is made last and goes first: what runs beside it needs
 /// the others.
-class LinuxComputer : public Computer {
+class LinuxComputer final : public Computer {
 public:
     LinuxComputer(CoreRules rules, std::string name)
         : m_rules(std::move(rules)),

@@ -105,7 +105,7 @@ LinuxLevers::Undone LinuxLevers::resume(const LeverRecord& record) const {
 }
 
 LinuxLevers::Undone LinuxLevers::undo(const LeverRecord& record) {
-    const Undone undone = record.action == pauseWord ? resume(record) : raise(record);
+    Undone undone = record.action == pauseWord ? resume(record) : raise(record);
     // What could not be undone now is for the next start to try again.
     if (undone.whole) m_journal.remove(record.id);
     return undone;

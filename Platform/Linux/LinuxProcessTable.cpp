@@ -292,10 +292,11 @@ void LinuxProcessTable::take(Entry& entry, const ProcStatm& statm) {
     entry.anonymousPages = pages;
     entry.hasMemory = statm.hasMemory();
     entry.swapLooked = m_swapMoves;
-    if (m_swapUsed == 0)
+    if (m_swapUsed == 0) {
         entry.swapBytes = 0;
-    else if (moved && entry.swapSeen != m_swapMoves)
+    } else if (moved && entry.swapSeen != m_swapMoves) {
         readSwap(entry);
+    }
     entry.reading.footprintBytes = pages * m_pageBytes + entry.swapBytes;
 }
 

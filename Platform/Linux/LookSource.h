@@ -19,7 +19,7 @@ public:
 /// later, or a portal that comes later, counts as a change. Null without a bus.
 class SettingsPortal : public LookSource {
 public:
-    static std::unique_ptr<SettingsPortal> open(const std::string& bus, std::function<void()> changed);
+    static std::unique_ptr<SettingsPortal> open(const std::string& address, std::function<void()> changed);
     ~SettingsPortal() override;
     SettingsPortal(const SettingsPortal&) = delete;
     SettingsPortal& operator=(const SettingsPortal&) = delete;

@@ -103,10 +103,11 @@ std::optional<MemoryGroups> memoryGroups(std::string_view cgroup) {
         if (second == line.npos || !line.substr(second + 1).starts_with('/')) continue;
         const std::string path(line.substr(second + 1));
         const std::string controllers = "," + std::string(line.substr(first + 1, second - first - 1)) + ",";
-        if (line.starts_with("0::"))
+        if (line.starts_with("0::")) {
             unified = path;
-        else if (controllers.find(",memory,") != controllers.npos)
+        } else if (controllers.find(",memory,") != controllers.npos) {
             legacy = path;
+        }
     }
     if (!unified && !legacy) return {};
 

@@ -26,7 +26,7 @@ public:
         char* end = std::to_chars(m_text.data(), m_text.data() + m_text.size(), pid).ptr;
         if (file) {
             *end++ = '/';
-            std::strcpy(end, file);
+            std::memcpy(end, file, std::strlen(file) + 1);
         } else {
             *end = '\0';
         }

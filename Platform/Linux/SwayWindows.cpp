@@ -35,10 +35,11 @@ public:
         const std::string bytes = SwayIpc::encode(type, payload);
         for (std::size_t sent = 0; alive() && sent < bytes.size();) {
             const ssize_t got = send(fd(), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
-            if (got <= 0)
+            if (got <= 0) {
                 shut();
-            else
+            } else {
                 sent += static_cast<std::size_t>(got);
+            }
         }
         while (alive()) {
             bool broken = false;

@@ -50,8 +50,8 @@ TEST_F(EndCommand, TheQuestionNamesWhatEndsAndWhatStays) {
     const std::string asked = call({"free"}).err;
     for (const char* text : {"End 1 program?", "Only what passes the safety check ends.", "Will end", "server",
                              "Stays running", "A database — never ended from a button.",
-                             "Ravik checks each one is still the same program, asks it to stop, and tells you if "
-                             "anything doesn't.",
+                             ("Ravik checks each one is still the same program, asks it to stop, and tells you if "
+                              "anything doesn't."),
                              "[y/N]"}) {
         EXPECT_NE(asked.find(text), std::string::npos) << text << "\n" << asked;
     }

@@ -18,7 +18,7 @@ public:
     std::optional<std::string> readLine(const std::function<void()>& prompt) override {
         prompt();
         if (typed.empty()) return {};
-        const auto line = typed.front();
+        auto line = typed.front();
         typed.pop_front();
         return line;
     }

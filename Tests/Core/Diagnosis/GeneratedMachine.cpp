@@ -60,10 +60,11 @@ private:
 Proc generatedProc(Dice& dice, Pid pid, Pid highest, const Host& host) {
     Making making(pid, dice.oneOf(commands));
     making.uid(dice.in(8) ? 0 : host.uid).age(dice.below(40) * 1800.0);
-    if (dice.in(3))
+    if (dice.in(3)) {
         making.parent(1);
-    else
+    } else {
         making.parent(static_cast<Pid>(100 + dice.below(static_cast<std::uint32_t>(highest - 98))));
+    }
     const std::uint64_t sizes[] = {0, 5 * MiB, 80 * MiB, 700 * MiB, 3 * GiB, 9 * GiB + 12345};
     making.bytes(sizes[dice.below(6)]);
     const double loads[] = {0, 0, 0, 1.5, 4.9, 5, 30.1, 50, 230.5};

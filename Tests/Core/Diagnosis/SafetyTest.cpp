@@ -1,5 +1,6 @@
 #include "Core/Diagnosis/Safety.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "Tests/Core/Diagnosis/Machine.h"
@@ -59,8 +60,9 @@ TEST(Safety, EveryNeverNameHasItsReason) {
     EXPECT_EQ(macTables().neverNames.size(), names.size());
     for (const auto& [name, reason] : names) {
         const Proc proc = Making(7, "/opt/x").name(name);
-        EXPECT_EQ(check({proc}), Verdict::never(reason + " (" + name + ", pid 7)"));
-        EXPECT_EQ(Safety::check({proc}, linuxHost()), Verdict::never(reason + " (" + name + ", pid 7)"));
+        const auto never = Verdict::never(fmt::format("{} ({}, pid 7)", reason, name));
+        EXPECT_EQ(check({proc}), never);
+        EXPECT_EQ(Safety::check({proc}, linuxHost()), never);
     }
     EXPECT_TRUE(check({Making(7, "/opt/x").name("Git")}).isSafe());
 }

@@ -22,7 +22,7 @@ protected:
     DiskTree();
 
     /// Makes the folders and a file in which exactly this much is allocated, a multiple of 4096.
-    void fill(const std::filesystem::path& folder, std::uint64_t bytes, const std::string& name = "data");
+    void fill(const std::filesystem::path& where, std::uint64_t bytes, const std::string& name = "data");
     void folder(const std::filesystem::path& path) { std::filesystem::create_directories(path); }
     void file(const std::filesystem::path& path, const std::string& text = "x");
     void link(const std::filesystem::path& path, const std::filesystem::path& target);

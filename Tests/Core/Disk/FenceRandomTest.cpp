@@ -8,8 +8,6 @@
 
 namespace ravik {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 using Parts = std::vector<std::string>;
@@ -63,7 +61,7 @@ std::optional<Parts> follow(const std::string& path) {
 class FenceRandom : public DiskTree {
 protected:
     FenceRandom() {
-        for (const auto& cache : m_tables.caches) folder(home / cache.path / "inner/build");
+        for (const auto& cache : tables.caches) folder(home / cache.path / "inner/build");
         for (const char* name : {"chromium-1", "chromium-2", ".links"}) folder(home / ".cache/ms-playwright" / name);
         for (const char* name : {"-home-a", "-home-b", ".c"}) folder(home / ".claude/projects" / name / "build");
         for (const char* root : {"Projects", "Projects2", "src", "src2"}) {
@@ -84,12 +82,12 @@ protected:
         roots = {home / "Projects", home / "linked"};
     }
 
-    const std::string& pick(const std::vector<std::string>& from) { return from[m_random() % from.size()]; }
+    const std::string& pick(const std::vector<std::string>& from) { return from[random() % from.size()]; }
 
     /// A path of the kinds that may go, as a caller could write it.
     std::string accepted() {
-        switch (m_random() % 4) {
-            case 0: return (home / m_tables.caches[m_random() % m_tables.caches.size()].path).string();
+        switch (random() % 4) {
+            case 0: return (home / tables.caches[random() % tables.caches.size()].path).string();
             case 1: return (home / ".cache/ms-playwright" / pick({"chromium-1", "chromium-2", "gone-3"})).string();
             case 2: return (home / ".claude/projects" / pick({"-home-a", "-home-b"})).string();
             default:
@@ -103,7 +101,7 @@ protected:
     std::string oneStepFrom(std::string path) {
         if (path.size() <= home.string().size() + 1) return path + "/build";
         const auto slash = path.rfind('/');
-        switch (m_random() % 13) {
+        switch (random() % 13) {
             case 0: return path + "/..";
             case 1: return path + "/";
             case 2: return path + "/inner";
@@ -130,7 +128,7 @@ protected:
             "projects", ".claude", "ms-playwright", "loop",   ".npm", "_npx", "",      "home",
             "Documents"};
         std::string path = pick({home.string(), home.string(), home.string(), outside.string(), ""});
-        for (auto depth = m_random() % 6; depth > 0; --depth) path += "/" + pick(names);
+        for (auto depth = random() % 6; depth > 0; --depth) path += "/" + pick(names);
         return path;
     }
 
@@ -139,7 +137,7 @@ protected:
         if (!path.starts_with('/')) return false;
         const auto parts = follow(path);
         if (!parts || parts->empty()) return false;
-        for (const auto& cache : m_tables.caches) {
+        for (const auto& cache : tables.caches) {
             if (*parts == split((home / cache.path).string())) return true;
         }
         const Parts parent(parts->begin(), parts->end() - 1);
@@ -157,28 +155,28 @@ protected:
         return false;
     }
 
-    const DiskTables& m_tables = diskTables(HostKind::linux);
-    std::mt19937 m_random{20'260'101};
+    const DiskTables& tables = diskTables(HostKind::linux);
+    std::mt19937 random{20'260'101};
 };
 
 }  // namespace
 
 TEST_F(FenceRandom, LetsNothingPastThatIsNotInTheTables) {
     NotingTrash trash;
-    const DiskScanner::ReclaimScope reclaimScope{m_tables, home, [](const auto&) { return false; }, trash};
+    const DiskScanner::ReclaimScope reclaimScope{tables, home, [](const auto&) { return false; }, trash};
     int passed = 0;
     constexpr int paths = 10'000;
     for (int round = 0; round < paths; ++round) {
         const std::string path = round % 3 == 0   ? oneStepFrom(accepted())
                                  : round % 3 == 1 ? anywhere()
-                                                  : (m_random() % 2 ? accepted() : oneStepFrom(anywhere()));
+                                                  : (random() % 2 ? accepted() : oneStepFrom(anywhere()));
         const auto resolved = DiskScanner::resolved(path);
-        const bool accepts = resolved && DiskScanner::isReclaimable(*resolved, m_tables, home, roots);
+        const bool accepts = resolved && DiskScanner::isReclaimable(*resolved, tables, home, roots);
         ASSERT_EQ(accepts, mayGo(path)) << path;
         passed += accepts;
         if (round % 5 != 0) continue;
         trash.moved.clear();
-        const auto error = DiskScanner::reclaim(reclaimScope, {path, "", 0, ""}, roots, m_tables.owners);
+        const auto error = DiskScanner::reclaim(reclaimScope, {path, "", 0, ""}, roots, tables.owners);
         if (!error) {
             ASSERT_TRUE(mayGo(trash.moved.front())) << path;
             ASSERT_EQ(trash.moved.front(), join(*follow(path)));
