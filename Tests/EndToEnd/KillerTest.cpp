@@ -50,7 +50,7 @@ protected:
     std::vector<Proc> scan() { return ProcessScanner(table, clock).scan(); }
     Pids killTree(const Life& root, const std::vector<Proc>& procs, double seconds = grace) {
         const double begun = clock.monotonic();
-        const Pids survivors = Killer::killTree(root.pid, procs, seconds, host, signals);
+        Pids survivors = Killer::killTree(root.pid, procs, seconds, host, signals);
         took = clock.monotonic() - begun;
         return survivors;
     }

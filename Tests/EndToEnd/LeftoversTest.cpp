@@ -15,7 +15,6 @@ namespace {
 using platform::forkChild;
 using platform::readProc;
 using platform::waitUntil;
-using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;

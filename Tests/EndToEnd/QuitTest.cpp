@@ -13,7 +13,6 @@ namespace {
 
 using platform::OwnWindowManager;
 using platform::OwnXServer;
-using platform::readProc;
 using platform::waitUntil;
 using testing::MatchesRegex;
 

@@ -14,9 +14,7 @@
 namespace ravik::endtoend {
 namespace {
 
-using platform::readProc;
 using platform::waitUntil;
-using testing::HasSubstr;
 using testing::MatchesRegex;
 
 /// The keys of a log line besides those that every line has.

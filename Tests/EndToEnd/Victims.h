@@ -36,7 +36,7 @@ public:
     /// Begins one: forks, and the child lives until a signal ends it. Before that it runs `first`, in which it can
     /// begin children. Returns when it hears signals or has ended already; null if it cannot be had. With `pid` it
     /// is given that very one.
-    Life* begin(Nature nature, const std::function<void()>& first = {}, Pid pid = 0);
+    Life* begin(Nature its, const std::function<void()>& first = {}, Pid wanted = 0);
     /// Asks it to end by another signal than the program's.
     static void ask(const Life& life);
 

@@ -4,7 +4,7 @@
 #include "Tests/EndToEnd/Isolation.h"
 
 // Leaks are looked for by a tracer, which the first process of a pid namespace cannot have.
-extern "C" int __lsan_is_turned_off() { return 1; }
+extern "C" int __lsan_is_turned_off() { return 1; }  // NOLINT(readability-identifier-naming)
 
 int main(int argc, char** argv) {
     testing::InitGoogleMock(&argc, argv);

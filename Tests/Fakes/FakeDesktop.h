@@ -156,7 +156,7 @@ public:
 /// Packs nothing: remembers what lay in the folder that it was given.
 class FakeArchive : public Archive {
 public:
-    std::optional<std::string> zip(const std::filesystem::path& folder, const std::filesystem::path& file,
+    std::optional<std::string> zip(const std::filesystem::path& from, const std::filesystem::path& to,
                                    const std::function<bool()>& cancelled) override;
 
     /// Path below the folder's parent, to the bytes of the file; a folder's ends with "/".

@@ -14,7 +14,7 @@ class ProjectScan : public DiskTree {
 protected:
     /// A project whose one source was last touched that many days ago.
     std::filesystem::path project(const std::string& name, double days, std::uint64_t bytes) {
-        const auto path = home / "Projects" / name;
+        auto path = home / "Projects" / name;
         fill(path / "node_modules", bytes);
         file(path / "package.json");
         age(path / "package.json", days);

@@ -8,7 +8,7 @@ namespace ravik {
 
 TEST(RunningPrograms, ABrowserIsKnownByItsGroupAndByItsProgram) {
     const Host host{HostKind::linux, 1000, 50, {1}, {}};
-    const auto runs = [&](std::string_view cache, Proc proc) {
+    const auto runs = [&](std::string_view cache, const Proc& proc) {
         const auto apps = DiskScanner::runningPrograms({proc}, host);
         return DiskScanner::isRunning(*diskTables(HostKind::linux).owner(cache), apps);
     };

@@ -21,7 +21,7 @@ protected:
     ActionsTest() { machine.clock.advance(100000); }
 
     /// A program that has lost its terminal: a leftover of its own.
-    FakeProcess& orphan(Pid pid, std::string name, std::uint64_t bytes = 100 * mib) {
+    FakeProcess& orphan(Pid pid, const std::string& name, std::uint64_t bytes = 100 * mib) {
         FakeProcess process;
         process.pid = pid;
         process.name = name;

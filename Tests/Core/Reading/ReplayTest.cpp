@@ -4,6 +4,7 @@
 #include <fstream>
 #include <sstream>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -43,9 +44,9 @@ void compare(const json& expected, const json& actual, const std::string& path, 
         for (const auto& [key, value] : expected.items()) {
             const auto found = actual.find(key);
             if (found == actual.end()) {
-                faults.push_back(path + "." + key + ": missing");
+                faults.push_back(fmt::format("{}.{}: missing", path, key));
             } else {
-                compare(value, *found, path + "." + key, faults);
+                compare(value, *found, fmt::format("{}.{}", path, key), faults);
             }
         }
     } else if (expected.is_array() && actual.is_array() && expected.size() == actual.size()) {

@@ -15,10 +15,11 @@ struct WeekProofTest : testing::Test {
     WeekProofTest() { zone("UTC"); }
     ~WeekProofTest() override { zone(nullptr); }
     static void zone(const char* name) {
-        if (name)
+        if (name) {
             ::setenv("TZ", name, 1);
-        else
+        } else {
             ::unsetenv("TZ");
+        }
         ::tzset();
     }
 

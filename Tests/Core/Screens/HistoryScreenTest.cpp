@@ -38,10 +38,11 @@ struct HistoryScreenTest : testing::Test {
     HistoryScreenTest() { zone("UTC"); }
     ~HistoryScreenTest() override { zone(nullptr); }
     static void zone(const char* name) {
-        if (name)
+        if (name) {
             ::setenv("TZ", name, 1);
-        else
+        } else {
             ::unsetenv("TZ");
+        }
         ::tzset();
     }
     TimeRange week() const { return *range(data, Span::week, {}); }

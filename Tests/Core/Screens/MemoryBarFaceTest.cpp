@@ -46,8 +46,8 @@ TEST(MemoryBarFace, WhatIsHeldBeyondTheMemoryMakesTheBarLonger) {
 }
 
 TEST(MemoryBarFace, OnAnothersScaleTwoBarsCanBeCompared) {
-    const MemoryPicture now = picture({{"Arc", "Arc", {}, 20 * GiB, 10 * GiB, 0, {}}});
-    const MemoryBarFace after(now.after(), MemoryBarFace::scale(now));
+    const MemoryPicture before = picture({{"Arc", "Arc", {}, 20 * GiB, 10 * GiB, 0, {}}});
+    const MemoryBarFace after(before.after(), MemoryBarFace::scale(before));
     EXPECT_EQ(after.heldAt, 0.5);
     EXPECT_EQ(after.ramAt, 0.8);
 }

@@ -12,7 +12,7 @@ using QuestionKeys::Key;
 
 namespace {
 
-EvidenceLine line(std::string name, Tone tone, std::string amount = {}) {
+EvidenceLine line(const std::string& name, Tone tone, std::string amount = {}) {
     return {tone, name, name + " stands here.", std::move(amount), {{}, "terminal"}};
 }
 

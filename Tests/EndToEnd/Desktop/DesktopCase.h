@@ -19,7 +19,7 @@ protected:
     void TearDown() override;
 
     /// Starts a tray, and waits until its window stands.
-    void showTray(Tray tray);
+    void showTray(Tray wanted);
     /// Starts the app, with what is to be added to its environment.
     void startApp(const std::vector<std::string>& variables = {});
     /// Where its icon stands in the tray, once it does.
