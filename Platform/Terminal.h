@@ -20,7 +20,7 @@ public:
     virtual int columns() const = 0;
     /// One line of standard input without its line feed; absent at its end and when the wait is interrupted
     /// (Ctrl-C), which then does not end the program. `prompt` shows what is asked: nobody who has seen it can
-    /// interrupt more than the wait.
+    /// interrupt more than the wait, and what was typed before it is dropped.
     virtual std::optional<std::string> readLine(const std::function<void()>& prompt) = 0;
 };
 

@@ -5,6 +5,7 @@
 
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace ravik::platform {
@@ -59,6 +60,8 @@ int PosixTerminal::columns() const {
 
 std::optional<std::string> PosixTerminal::readLine(const std::function<void()>& prompt) {
     const Interruptible interruptible;
+    // Typed before the question stood there, it answers nothing.
+    tcflush(STDIN_FILENO, TCIFLUSH);
     prompt();
     std::string line;
     for (;;) {
