@@ -1,7 +1,6 @@
 #include "Cli/AutopilotCommand.h"
 
 #include <algorithm>
-#include <sstream>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -52,11 +51,10 @@ int runAutopilot(Context& context, const Arguments& arguments) {
     const ShadowRecord record = readRecord(context, arguments);
     const auto approved = Approvals(context.platform().defaults).actions();
     if (arguments.has("--json")) {
-        context.out << Json::text(ShadowJson::object(record, approved)) << "\n";
+        context.out << printableJson(Json::text(ShadowJson::object(record, approved))) << "\n";
         return done;
     }
-    std::istringstream lines(ShadowJson::text(record, approved, context.platform().workspace.knowsFocus()));
-    for (std::string line; std::getline(lines, line);) context.out << printable(line) << "\n";
+    context.out << printableLines(ShadowJson::text(record, approved, context.platform().workspace.knowsFocus()));
     return done;
 }
 

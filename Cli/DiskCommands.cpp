@@ -86,7 +86,7 @@ int runDisk(Context& context, const Arguments& arguments) {
         for (const Reclaimable& item : model.items()) {
             rows.push_back({{"id", item.id}, {"kind", item.kind}, {"bytes", item.bytes}, {"note", item.note}});
         }
-        context.out << Json::text(rows) << "\n";
+        context.out << printableJson(Json::text(rows)) << "\n";
         return done;
     }
     if (model.items().empty()) {

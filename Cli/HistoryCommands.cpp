@@ -38,9 +38,9 @@ int runHistory(Context& context, const Arguments& arguments) {
     const auto days = HistoryStore::load(
         logFolder(context, arguments), cache ? std::filesystem::path(*cache) : context.platform().folders.historyCache);
     if (arguments.has("--json")) {
-        context.out << Json::text(HistoryJson::object(days, query)) << "\n";
+        context.out << printableJson(Json::text(HistoryJson::object(days, query))) << "\n";
     } else {
-        context.out << HistoryJson::text(days, query, context.host);
+        context.out << printableLines(HistoryJson::text(days, query, context.host));
     }
     return done;
 }

@@ -1,5 +1,6 @@
 #include "Cli/LogCommand.h"
 
+#include "Cli/Table.h"
 #include "Core/Record/LogTail.h"
 
 namespace ravik::cli {
@@ -12,8 +13,15 @@ constexpr double followSeconds = 0.25;
 
 int runLog(Context& context, const Arguments& arguments) {
     LogTail tail(context.platform().folders.log, arguments.values("--kind"));
+    const bool isSeen = context.computer.terminal().isOutput();
     const auto print = [&] {
-        tail.read([&](std::string_view line) { context.out << line << '\n'; });
+        tail.read([&](std::string_view line) {
+            if (isSeen) {
+                context.out << printableJson(line) << '\n';
+            } else {
+                context.out << line << '\n';
+            }
+        });
         return !context.out.flush().fail() && !context.computer.terminal().hasLostReader();
     };
     if (!print() || !arguments.has("-f")) return done;

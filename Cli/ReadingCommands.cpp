@@ -96,7 +96,7 @@ int printRows(Context& context, const Arguments& arguments, ProcessRows::Scope s
     auto rows =
         ProcessRows::rows(snapshot, index, scope, query, runningNames(context), monitor->host(), snapshot.takenAt);
     if (arguments.has("--json")) {
-        context.out << Json::text(Json::rows(rows)) << "\n";
+        context.out << printableJson(Json::text(Json::rows(rows))) << "\n";
         return done;
     }
     std::ranges::stable_sort(rows, std::ranges::greater{}, &ProcRow::mb);
@@ -135,7 +135,8 @@ int runDiagnose(Context& context, const Arguments& arguments) {
     const Snapshot& snapshot = monitor->snapshot();
     const ProcessIndex index(snapshot.processes);
     if (arguments.has("--json")) {
-        context.out << Json::text(Json::diagnosis(snapshot, index, monitor->host(), snapshot.takenAt)) << "\n";
+        context.out << printableJson(Json::text(Json::diagnosis(snapshot, index, monitor->host(), snapshot.takenAt)))
+                    << "\n";
         return done;
     }
     for (const Finding& finding : snapshot.findings) {
@@ -159,7 +160,7 @@ int runSessions(Context& context, const Arguments& arguments) {
     const auto monitor = readTwice(context);
     const auto& sessions = monitor->snapshot().sessions;
     if (arguments.has("--json")) {
-        context.out << Json::text(Json::sessions(sessions)) << "\n";
+        context.out << printableJson(Json::text(Json::sessions(sessions))) << "\n";
         return done;
     }
     if (sessions.empty()) context.out << "No AI coding sessions, and nothing left of any.\n";
@@ -180,7 +181,7 @@ int runReplay(Context& context, const Arguments& arguments) {
         context.err << printable(read.error) << "\n";
         return couldNot;
     }
-    context.out << Json::text(replay(*read.capture)) << "\n";
+    context.out << printableJson(Json::text(replay(*read.capture))) << "\n";
     return done;
 }
 

@@ -61,6 +61,14 @@ std::string cut(const std::string& text, std::size_t room) {
     return kept + "…";
 }
 
+/// Control characters, and those that turn the direction of what follows.
+bool isControl(char32_t code) {
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || (code >= 0x202A && code <= 0x202E) ||
+           (code >= 0x2066 && code <= 0x2069) || code == 0x2028 || code == 0x2029;
+}
+
+std::string escaped(char32_t code) { return fmt::format("\\u{:04x}", static_cast<unsigned>(code)); }
+
 }  // namespace
 
 std::string printable(std::string_view text) {
@@ -73,14 +81,39 @@ std::string printable(std::string_view text) {
             text.remove_prefix(1);
             continue;
         }
-        const bool control = code < 0x20 || (code >= 0x7F && code < 0xA0) || (code >= 0x202A && code <= 0x202E) ||
-                             (code >= 0x2066 && code <= 0x2069) || code == 0x2028 || code == 0x2029;
-        if (control) {
-            out += code == '\n' ? "\\n" : code == '\t' ? "\\t" : fmt::format("\\u{:04x}", static_cast<unsigned>(code));
+        if (isControl(code)) {
+            out += code == '\n' ? "\\n" : code == '\t' ? "\\t" : escaped(code);
         } else {
             out += text.substr(0, length);
         }
         text.remove_prefix(length);
+    }
+    return out;
+}
+
+std::string printableLines(std::string_view text) {
+    std::string out;
+    for (;;) {
+        const std::size_t end = text.find('\n');
+        out += printable(text.substr(0, end));
+        if (end == std::string_view::npos) return out;
+        out += '\n';
+        text.remove_prefix(end + 1);
+    }
+}
+
+std::string printableJson(std::string_view json) {
+    std::string out;
+    out.reserve(json.size());
+    while (!json.empty()) {
+        char32_t code = 0xFFFD;
+        const std::size_t length = scalar(json, code);
+        if (length == 0 || (isControl(code) && code != '\n' && code != '\t')) {
+            out += length == 0 ? "\\ufffd" : escaped(code);
+        } else {
+            out += json.substr(0, length);
+        }
+        json.remove_prefix(std::max<std::size_t>(length, 1));
     }
     return out;
 }

@@ -10,6 +10,13 @@ namespace ravik::cli {
 /// so that a command line cannot steer the terminal.
 std::string printable(std::string_view text);
 
+/// The same for text of several lines, which stay apart.
+std::string printableLines(std::string_view text);
+
+/// JSON with what a terminal would obey written as \uXXXX, which is the same value; line feeds and tabs between the
+/// values stay. Bytes that are no UTF-8 become U+FFFD.
+std::string printableJson(std::string_view json);
+
 /// Cells that the text takes up in a terminal.
 std::size_t cells(std::string_view text);
 

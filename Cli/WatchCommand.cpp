@@ -6,6 +6,7 @@
 #include "Cli/Table.h"
 #include "Cli/Values.h"
 #include "Core/Base/Iso8601.h"
+#include "Core/Reading/Json.h"
 #include "Core/Watch/Interval.h"
 #include "Core/Watch/Monitor.h"
 #include "Core/Watch/TickLines.h"
@@ -26,7 +27,7 @@ std::string tickObject(const Snapshot& snapshot) {
     line["freeableBytes"] = snapshot.freeableBytes();
     line["reclaimableBytes"] = snapshot.reclaimableBytes();
     line["takenAt"] = snapshot.takenAt;
-    return line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    return printableJson(Json::text(line, -1));
 }
 
 }  // namespace

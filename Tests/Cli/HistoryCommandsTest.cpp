@@ -37,6 +37,16 @@ TEST_F(HistoryCommands, FoldsTheLog) {
     EXPECT_TRUE(std::filesystem::exists(machine.platform.folders.historyCache / "2026-03-01.json"));
 }
 
+TEST_F(HistoryCommands, ANameCannotSteerTheTerminal) {
+    append("2026-03-01",
+           "{\"t\":\"2026-03-01T09:30:15Z\",\"kind\":\"tick\",\"session\":\"A\",\"swapGB\":2.5,"
+           "\"top\":[[\"evil\\u001b[31m\\u009b2J\",900]]}\n");
+    const std::string out = call({"history"}).out;
+    EXPECT_NE(out.find("\n  evil\\u001b[31m\\u009b2J: up to "), std::string::npos) << out;
+    EXPECT_EQ(out.find('\x1b'), std::string::npos);
+    EXPECT_EQ(out.find("\u009b"), std::string::npos);
+}
+
 TEST_F(HistoryCommands, WrongValuesAreWrongWords) {
     EXPECT_EQ(call({"history", "--span", "month"}).status, wrongWords);
     EXPECT_EQ(call({"history", "--now", "soon"}).status, wrongWords);

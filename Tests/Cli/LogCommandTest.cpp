@@ -19,6 +19,13 @@ TEST_F(LogCommand, PrintsTheLinesOfAllDaysAsTheyStand) {
     EXPECT_EQ(call({"log"}).out, "{\"kind\":\"a\",  \"x\":1}\n{\"kind\":\"b\"}\n");
 }
 
+TEST_F(LogCommand, SteersNoTerminal) {
+    append("2026-03-01", "{\"cmd\":\"\u009b31m\u202e\"}\n");
+    EXPECT_EQ(call({"log"}).out, "{\"cmd\":\"\\u009b31m\\u202e\"}\n");
+    computer.fakeTerminal.interactive = false;
+    EXPECT_EQ(call({"log"}).out, "{\"cmd\":\"\u009b31m\u202e\"}\n");
+}
+
 TEST_F(LogCommand, KeepsToTheKindsAskedFor) {
     append("2026-03-01", "{\"kind\":\"tick\"}\n{\"kind\":\"kill\"}\n{\"kind\":\"remedy\"}\n");
     EXPECT_EQ(call({"log", "--kind", "kill", "--kind", "remedy"}).out, "{\"kind\":\"kill\"}\n{\"kind\":\"remedy\"}\n");

@@ -27,6 +27,19 @@ TEST(Table, ATerminalThatIsTooNarrowStillCuts) {
     for (const std::size_t width : {15u, 10u, 1u}) EXPECT_EQ(shown(width), "  PID  NAME\n12345  /usr/bi…\n") << width;
 }
 
+TEST(Printable, LinesStayApart) {
+    EXPECT_EQ(printableLines("a\x1b[31m\n\n  b\u202e\n"), "a\\u001b[31m\n\n  b\\u202e\n");
+    EXPECT_EQ(printableLines("a"), "a");
+    EXPECT_EQ(printableLines(""), "");
+}
+
+TEST(Printable, JsonKeepsItsValueAndSteersNoTerminal) {
+    EXPECT_EQ(printableJson("{\n\t\"a\": \"\\u001b \u00e9\u00a0\u00b7 \u65e5 \U0001F600\"\n}"),
+              "{\n\t\"a\": \"\\u001b \u00e9\u00a0\u00b7 \u65e5 \U0001F600\"\n}");
+    EXPECT_EQ(printableJson("\"\u009b31m\x7f\u202e\u2066\u2028\""), "\"\\u009b31m\\u007f\\u202e\\u2066\\u2028\"");
+    EXPECT_EQ(printableJson("\x1b[2J\r\xff"), "\\u001b[2J\\u000d\\ufffd");
+}
+
 TEST(Table, WideLettersTakeTwoCells) {
     Table table({Table::Align::left, Table::Align::left});
     table.add({"日本", "x"});
