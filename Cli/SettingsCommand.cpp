@@ -5,6 +5,7 @@
 
 #include "Cli/Table.h"
 #include "Cli/Values.h"
+#include "Core/Screens/LiveLeftoversRule.h"
 #include "Core/Watch/Thresholds.h"
 
 namespace ravik::cli {
@@ -26,18 +27,24 @@ int store(Context& context, const Thresholds& before, const Thresholds& limits) 
     return couldNot;
 }
 
-/// The limits that the settings screen leaves to others have no range of their own.
+/// The limits that the settings screen leaves to others.
 struct FreeField {
     std::string_view key;
     std::string_view title;
     double Thresholds::*hours = nullptr;
     bool Thresholds::*flag = nullptr;
+    double low = 0;
+    /// Absent: any finite number.
+    std::optional<double> high = {};
+
+    bool accepts(double value) const { return low <= value && (!high || value <= *high); }
 };
 
 constexpr FreeField freeFields[] = {
     {"hogMinHours", "Hours at that load before it counts", &Thresholds::hogMinHours, nullptr},
     {"autoEndLeftovers", "End leftovers without asking", nullptr, &Thresholds::autoEndLeftovers},
-    {"autoLeftoverMinHours", "Hours before that rule acts", &Thresholds::autoLeftoverMinHours, nullptr},
+    {"autoLeftoverMinHours", "Hours before that rule acts", &Thresholds::autoLeftoverMinHours, nullptr,
+     LiveLeftoversRule::lowestHours, LiveLeftoversRule::highestHours},
 };
 
 std::string show(const Thresholds& limits, const FreeField& field) {
@@ -70,10 +77,13 @@ int setFree(Context& context, const FreeField& field, const std::string& text) {
         return status;
     }
     const auto value = parseNumber(text);
-    if (!value || *value < 0) {
-        return refuse(context,
-                      fmt::format("Must be a number of hours, 0 or more. The last saved value, {}, stays in use.",
-                                  show(limits, field)));
+    if (!value || !field.accepts(*value)) {
+        const double saved = limits.*field.hours;
+        return refuse(context, field.high
+                                   ? rangeRefusal(field.low, *field.high, saved)
+                                   : fmt::format("Must be a number of hours, {} or more. The last saved value, {}, "
+                                                 "stays in use.",
+                                                 field.low, saved));
     }
     limits.*field.hours = *value;
     return store(context, before, limits);
@@ -93,7 +103,8 @@ int runSettings(Context& context, const Arguments& arguments) {
                    fmt::format("{} to {}", field.low, field.high), field.titleWith(context.host.nouns())});
     }
     for (const FreeField& field : freeFields) {
-        table.add({std::string(field.key), show(limits, field), field.flag ? "" : "h", "", std::string(field.title)});
+        table.add({std::string(field.key), show(limits, field), field.flag ? "" : "h",
+                   field.high ? fmt::format("{} to {}", field.low, *field.high) : "", std::string(field.title)});
     }
     context.out << table.render(0);
     return done;

@@ -54,6 +54,25 @@ TEST_F(SettingsCommand, AValueOutOfRangeGetsTheSentenceAndIsNotStored) {
     EXPECT_FALSE(machine.defaults.values.contains("thresholds"));
 }
 
+TEST_F(SettingsCommand, TheRuleForLeftoversWaitsAsLongAsItsScreenAllows) {
+    for (const char* hours : {"0.25", "168"}) {
+        EXPECT_EQ(call({"settings", "set", "autoLeftoverMinHours", hours}).status, done);
+    }
+    for (const char* hours : {"0", "0.24", "168.1", "-1", "soon"}) {
+        const Result result = call({"settings", "set", "autoLeftoverMinHours", hours});
+        EXPECT_EQ(result.status, couldNot);
+        EXPECT_EQ(result.err, "Must be between 0.25 and 168. The last saved value, 168, stays in use.\n");
+    }
+    EXPECT_EQ(machine.defaults.values["thresholds"]["autoLeftoverMinHours"], 168);
+}
+
+TEST_F(SettingsCommand, TheHoursOfAHogHaveNoUpperEnd) {
+    EXPECT_EQ(call({"settings", "set", "hogMinHours", "1000"}).status, done);
+    EXPECT_EQ(call({"settings", "set", "hogMinHours", "0"}).status, done);
+    EXPECT_EQ(call({"settings", "set", "hogMinHours", "-1"}).err,
+              "Must be a number of hours, 0 or more. The last saved value, 0, stays in use.\n");
+}
+
 TEST_F(SettingsCommand, AWholeLimitIsCut) {
     call({"settings", "set", "memoryFreePct", "20.9"});
     EXPECT_EQ(machine.defaults.values["thresholds"]["memoryFreePct"], 20);
