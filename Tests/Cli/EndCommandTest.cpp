@@ -1,3 +1,6 @@
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
 #include "Tests/Cli/CommandTest.h"
 
 namespace ravik::cli {
@@ -105,6 +108,43 @@ TEST_F(EndCommand, QuitSaysWhenAnApplicationStays) {
 
 TEST_F(EndCommand, AProcessThatIsNotThereIsSaidSo) {
     EXPECT_EQ(call({"end", "999", "--yes"}).err, "There is no process 999.\n");
+}
+
+TEST_F(EndCommand, ANameMistypedDoesNotPassForAnApplicationThatQuit) {
+    orphan(300, "stranger").uid = machine.host.uid + 1;
+    const std::string theirs = fmt::format("[{}] stranger", machine.host.uid + 1);
+    for (const std::string& app : {std::string("Edditor"), theirs}) {
+        const Result result = call({"quit", app, "--yes"});
+        EXPECT_THAT(result.err,
+                    testing::StartsWith("Nothing called \"" + app + "\" is running; ravik apps lists what is.\n"));
+    }
+}
+
+TEST_F(EndCommand, OfAnApplicationThatIsThereNothingElseIsSaid) {
+    machine.workspace.apps.push_back({{"Editor", "Editor", 300}, -1});
+    EXPECT_THAT(call({"quit", "Editor", "--yes"}).err, testing::Not(testing::HasSubstr("Nothing called")));
+}
+
+TEST_F(EndCommand, ACopyOfABrowserForAToolIsNotTheUsersApplication) {
+    fakes::FakeProcess& browser = orphan(300, "chrome");
+    browser.command = "/tmp/chrome --user-data-dir=/tmp/puppeteer_dev_profile-1";
+    machine.workspace.apps.push_back({{"chrome", "chrome", 300}, -1});
+    EXPECT_THAT(call({"quit", "chrome", "--yes"}).err,
+                testing::StartsWith("Nothing called \"chrome\" is running; ravik apps lists what is.\n"));
+}
+
+TEST_F(EndCommand, ARefusalIsJsonWhereJsonIsAskedFor) {
+    const std::vector<std::pair<std::vector<std::string>, std::string>> refused{
+        {{"end", "999"}, "There is no process 999."},
+        {{"fix", "orphan:999"}, "There is no finding \"orphan:999\" now; ravik diagnose lists them."}};
+    for (auto [words, line] : refused) {
+        words.emplace_back("--json");
+        const Result result = call(words);
+        EXPECT_EQ(result.status, couldNot);
+        EXPECT_EQ(json::parse(result.out),
+                  json({{"outcome", "refused"}, {"survivors", json::array()}, {"line", line}}));
+        EXPECT_EQ(result.err, "");
+    }
 }
 
 TEST_F(EndCommand, WritesOnlyItsOwnDeeds) {
