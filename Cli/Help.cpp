@@ -50,6 +50,7 @@ std::vector<std::string> followers(const std::string& first) {
     };
     for (const Command& command : commands()) {
         if (firstWord(command.name) != first) continue;
+        if (first == "help") std::ranges::for_each(firstWords(), add);
         if (command.name.size() > first.size()) add(std::string(command.name.substr(first.size() + 1)));
         for (const Option& option : command.options) {
             if (!option.isPositional()) add(std::string(option.name));
@@ -143,9 +144,12 @@ std::string manPage() {
         RAVIK_VERSION);
     for (const Command& command : commands()) {
         page += fmt::format(".TP\n.B {}\n{}\n", roff(usage(command)), roff(command.summary));
+        if (command.options.empty()) continue;
+        page += ".RS\n";
         for (const Option& option : command.options) {
-            page += fmt::format(".br\n.I {}\n{}\n", roff(optionWord(option)), roff(option.help));
+            page += fmt::format(".TP\n.I {}\n{}\n", roff(optionWord(option)), roff(option.help));
         }
+        page += ".RE\n";
     }
     page +=
         ".SH EXIT STATUS\n.TP\n.B 0\ndone\n.TP\n.B 1\nit could not or would not\n.TP\n.B 2\nthe call's words are "

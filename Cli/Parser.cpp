@@ -1,6 +1,8 @@
 #include "Cli/Parser.h"
 
+#include <algorithm>
 #include <deque>
+#include <sstream>
 
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
@@ -72,6 +74,13 @@ Arguments collect(const CLI::App& app, const Command& command) {
     return arguments;
 }
 
+/// The command that the words begin with, the longest name first; null behind "--", where all words are values.
+const Command* commandAtFront(const std::vector<std::string>& words) {
+    if (std::ranges::find(words, "--") != words.end()) return nullptr;
+    const Command* second = words.size() > 1 ? findCommand(words[0] + " " + words[1]) : nullptr;
+    return second ? second : findCommand(words[0]);
+}
+
 /// The command that the words reached, the longest name first.
 const Command* reached(const CLI::App& root, const CLI::App*& leaf) {
     std::string path;
@@ -83,6 +92,19 @@ const Command* reached(const CLI::App& root, const CLI::App*& leaf) {
         path += (path.empty() ? "" : " ") + leaf->get_name();
     }
     return findCommand(path);
+}
+
+/// The parser's sentence; where that speaks of types and overrides, one of our own.
+std::string told(const CLI::ParseError& error, const Command& command) {
+    const std::string text = error.what();
+    const std::string word = text.substr(0, text.find_first_of(": "));
+    if (!dynamic_cast<const CLI::ArgumentMismatch*>(&error)) return text;
+    for (const Option& option : command.options) {
+        if (option.name == word) return fmt::format("{} needs a value", option.name);
+        if (option.name == "--" + word || option.name == "-" + word)
+            return fmt::format("{} takes no value", option.name);
+    }
+    return text;
 }
 
 int refuse(Context& context, const Command* command, std::string_view why) {
@@ -107,17 +129,15 @@ bool isDelivered(Context& context) {
 
 int dispatch(Context& context, const std::vector<std::string>& words) {
     std::vector<std::string> given = words;
-    if (given.size() > 1 && (given.back() == "--help" || given.back() == "-h")) {
-        given.pop_back();
-        if (findCommand(fmt::format("{}", fmt::join(given, " ")))) {
-            given.emplace(given.begin(), "help");
-        } else {
-            given.emplace_back("--help");
-        }
-    }
     if (!given.empty() && (given.front() == "--help" || given.front() == "-h")) given.front() = "help";
     if (!given.empty() && given.front() == "--version") given.front() = "version";
     if (given.empty() || given.front().starts_with('-')) given.emplace(given.begin(), defaultCommand);
+    if (given.size() > 1 && (given.back() == "--help" || given.back() == "-h")) {
+        if (const Command* asked = commandAtFront(given)) {
+            given = {"help"};
+            for (std::istringstream parts{std::string(asked->name)}; !parts.eof();) parts >> given.emplace_back();
+        }
+    }
 
     CLI::App root;
     root.set_help_flag();
@@ -138,7 +158,7 @@ int dispatch(Context& context, const std::vector<std::string>& words) {
         if (!command) command = findCommand(given.front());
         if (!command)
             return refuse(context, nullptr, fmt::format("there is no command \"{}\"", printable(given.front())));
-        return refuse(context, command, error.what());
+        return refuse(context, command, told(error, *command));
     }
     const Command* command = reached(root, leaf);
     if (!command) return refuse(context, nullptr, fmt::format("\"{}\" needs one of its commands", given.front()));

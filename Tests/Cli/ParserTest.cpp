@@ -81,6 +81,26 @@ TEST_F(ParserTest, AFlagTakesNoValue) {
     EXPECT_EQ(call({"keep", "--json=0"}).status, wrongWords);
 }
 
+TEST_F(ParserTest, HelpBehindOtherWordsRunsNothing) {
+    orphan(200, "server");
+    EXPECT_EQ(call({"end", "200", "--yes", "--help"}).out, call({"help", "end"}).out);
+    EXPECT_EQ(call({"settings", "set", "swapGB", "9", "-h"}).out, call({"help", "settings", "set"}).out);
+    EXPECT_EQ(call({"keep", "add", "/a", "-h"}).out, call({"help", "keep", "add"}).out);
+    EXPECT_NE(machine.processes.find(200), nullptr);
+    EXPECT_EQ(machine.defaults.writes, 0);
+    EXPECT_EQ(call({"keep", "add", "--", "--help"}).status, done);
+    EXPECT_EQ(call({"keep", "list"}).out, "--help\n");
+}
+
+TEST_F(ParserTest, SaysWhetherAnOptionTakesAValue) {
+    EXPECT_EQ(
+        call({"diagnose", "--capture"}).err,
+        "ravik diagnose: --capture needs a value (expected: ravik diagnose [--json] [--evidence] [--capture FILE]; "
+        "see ravik help diagnose)\n");
+    EXPECT_TRUE(call({"log", "--kind"}).err.starts_with("ravik log: --kind needs a value ("));
+    EXPECT_TRUE(call({"free", "--yes=false"}).err.starts_with("ravik free: --yes takes no value ("));
+}
+
 TEST_F(ParserTest, ACommandsWordIsAValueWhereOneIsExpected) {
     EXPECT_EQ(call({"keep", "add", "list"}).status, done);
     EXPECT_EQ(call({"keep", "list"}).out, "list\n");
@@ -123,6 +143,7 @@ TEST_F(ParserTest, ManPageAndCompletionsKnowEveryCommand) {
             EXPECT_NE(completions(shell).value().find(first), std::string::npos) << shell << " " << first;
         }
     }
+    EXPECT_NE(completions("bash").value().find("help) words=\"diagnose watch "), std::string::npos);
     EXPECT_EQ(call({"help", "--completions", "csh"}).status, wrongWords);
     EXPECT_EQ(call({"help", "--completions", "bash"}).out, completions("bash"));
     EXPECT_EQ(call({"help", "--man"}).out, manPage());
@@ -134,6 +155,7 @@ TEST_F(ParserTest, TheUsualWordsForHelpAndVersionWork) {
     EXPECT_EQ(call({"settings", "set", "-h"}).out, call({"help", "settings", "set"}).out);
     EXPECT_EQ(call({"keep", "--help"}).out, call({"help", "keep"}).out);
     EXPECT_EQ(call({"dance", "--help"}).status, wrongWords);
+    EXPECT_EQ(call({"--json", "--help"}).out, call({"help", "diagnose"}).out);
     EXPECT_EQ(call({"--version"}).out, call({"version"}).out);
     EXPECT_EQ(call({"version"}).out, "ravik " RAVIK_VERSION "\n");
 }
