@@ -145,10 +145,11 @@ TEST_F(Engaged, IsWhoeverOwnsAWindowOnTheUsersDisplay) {
     setenv("DISPLAY", server.display().c_str(), 1);
     EXPECT_THAT(LinuxServices(options).engaged({shown, hidden}, readProcs({getpid(), shown, hidden})),
                 UnorderedElementsAre(shown));
-    if (before)
+    if (before) {
         setenv("DISPLAY", kept.c_str(), 1);
-    else
+    } else {
         unsetenv("DISPLAY");
+    }
 }
 
 TEST_F(Engaged, IsWhoeverOwnsAWindowItselfOrBelow) {

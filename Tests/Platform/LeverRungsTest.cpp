@@ -41,7 +41,7 @@ protected:
     std::string unit(const std::string& name, const Pids& pids, const std::string& weight = "100") {
         std::string list;
         for (const Pid pid : pids) {
-            list += std::to_string(pid) + "\n";
+            list.append(std::to_string(pid)).append("\n");
             process(pid, appSlice + "/" + name);
         }
         folder.write("cgroup" + appSlice + "/" + name + "/cgroup.procs", list);

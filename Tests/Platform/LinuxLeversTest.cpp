@@ -236,7 +236,7 @@ TEST_F(LinuxLeversTest, WithoutAWayBackThereIsNoLever) {
         OwnLevers own;
         const Pid pid = startSleeperBeside();
         const Pids demoted = own.levers.demote("Foo", readProcs({pid}));
-        const std::string said = std::to_string(demoted.size()) + " " + shown(pid);
+        std::string said = std::to_string(demoted.size()) + " " + shown(pid);
         kill(pid, SIGKILL);
         return said;
     });

@@ -82,7 +82,7 @@ void writeTitle(const char* title) {
     auto* end = reinterpret_cast<char*>(std::stoull(fields[46]));
     std::memset(begin, 0, static_cast<std::size_t>(end - begin));
     // Where the area is short it runs on into the environment, and the kernel follows it there.
-    std::strcpy(begin, title);
+    std::memcpy(begin, title, std::strlen(title) + 1);
 }
 
 }  // namespace
