@@ -235,6 +235,7 @@ TEST_P(PidfdSigns, GivesItsDescriptorsBack) {
         const auto process = signals.verify(*recordOf(child));
         ASSERT_TRUE(process);
         const VerifiedProcess copy = *process;
+        EXPECT_EQ(copy.pid(), child);
         EXPECT_EQ(openDescriptors(), before + (GetParam() == PidfdSignals::Use::never ? 0 : 1));
     }
     EXPECT_EQ(openDescriptors(), before);

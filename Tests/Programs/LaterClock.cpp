@@ -25,10 +25,10 @@ const std::atomic<std::int64_t>* openAhead() {
 
 }  // namespace
 
-extern "C" int clock_gettime(clockid_t clock, timespec* at) {
+extern "C" int clock_gettime(clockid_t id, timespec* tp) {
     static const auto kernels = reinterpret_cast<Read>(dlsym(RTLD_NEXT, "clock_gettime"));
     static const auto* const ahead = openAhead();
-    const int failed = kernels(clock, at);
-    if (failed == 0 && clock == CLOCK_REALTIME && ahead) at->tv_sec += ahead->load();
+    const int failed = kernels(id, tp);
+    if (failed == 0 && id == CLOCK_REALTIME && ahead) tp->tv_sec += ahead->load();
     return failed;
 }

@@ -10,7 +10,7 @@
 
 #include "App/Views/Tokens.h"
 
-void qml_register_types_Ravik();
+void qml_register_types_Ravik();  // NOLINT(readability-identifier-naming): generated
 
 int main(int argc, char** argv) {
     using ravik::app::Tokens;

@@ -6,7 +6,7 @@
 
 #include "App/Views/Tokens.h"
 
-void qml_register_types_Ravik();
+void qml_register_types_Ravik();  // NOLINT(readability-identifier-naming): generated
 
 namespace ravik::app {
 
