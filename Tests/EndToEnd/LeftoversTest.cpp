@@ -203,17 +203,14 @@ TEST_F(Leftovers, OfASubreaperAreNamedByAWatchThatSawTheAdoption) {
 
 TEST_F(Leftovers, AreNeverThisProgramOrItsAncestors) {
     // The command's own parent has been adopted and would pass for one.
-    const std::string script =
-        fmt::format("echo $$ > {1}/pid; sleep 1; {0}/bin/ravik diagnose --json > {1}/own.json; echo > {1}/done; {2} 1",
-                    RAVIK_BINARY_DIR, home.path().native(), node);
+    const std::string script = fmt::format("sleep 1; {}/bin/ravik diagnose --json > {}/own.json; echo > {}/done; {} 1",
+                                           RAVIK_BINARY_DIR, home.path().native(), home.path().native(), node);
     const Pid starter = start({home.shell("bash"), "-c", fmt::format("{} -c '{}' & wait", home.shell("own"), script)},
                               home.environment());
-    ASSERT_GT(find(home.shell("own") + " -c " + script), 0);
+    const Pid ancestor = find(home.shell("own") + " -c " + script);
     reaper.end(starter);
     ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(home.path() / "done"); }, 20));
     Json diagnosis = Json::parse(std::ifstream(home.path() / "own.json"), nullptr, false);
-    Pid ancestor = 0;
-    std::ifstream(home.path() / "pid") >> ancestor;
     find(node + " 1");
     ASSERT_TRUE(diagnosis.is_object());
     EXPECT_EQ(diagnosis["orphans"], Json::array());

@@ -235,14 +235,19 @@ Pid EndToEnd::start(const std::vector<std::string>& words, const std::vector<std
 }
 
 Pid EndToEnd::find(const std::string& command) {
+    const auto runner = [&](Pid pid) {
+        const auto proc = readProc(pid);
+        return proc && proc->command == command ? proc : std::nullopt;
+    };
     Pid found = 0;
     waitUntil([&] {
         for (const auto& entry : fs::directory_iterator("/proc")) {
             const std::string name = entry.path().filename().native();
             Pid pid = 0;
             std::from_chars(name.data(), name.data() + name.size(), pid);
-            const auto proc = pid > 0 ? readProc(pid) : std::nullopt;
-            if (proc && proc->command == command) found = pid;
+            const auto proc = pid > 0 ? runner(pid) : std::nullopt;
+            // A child that a shell has forked runs the shell's words until it becomes another program.
+            if (proc && !runner(proc->ppid)) found = pid;
         }
         return found > 0;
     });
