@@ -96,7 +96,7 @@ const Command* reached(const CLI::App& root, const CLI::App*& leaf) {
 
 /// The parser's sentence; where that speaks of types and overrides, one of our own.
 std::string told(const CLI::ParseError& error, const Command& command) {
-    const std::string text = error.what();
+    std::string text = error.what();
     const std::string word = text.substr(0, text.find_first_of(": "));
     if (!dynamic_cast<const CLI::ArgumentMismatch*>(&error)) return text;
     for (const Option& option : command.options) {
